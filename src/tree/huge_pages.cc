@@ -1,0 +1,66 @@
+#include "tree/huge_pages.h"
+
+#include <sys/mman.h>
+
+#include <cstdint>
+
+namespace Orvane {
+
+namespace {
+
+// What is smaller isn't worth pages of its own.
+constexpr std::size_t kSmallestMapping = std::size_t{1} << 15;
+
+bool isMapped(std::size_t size) {
+  return size >= kSmallestMapping;
+}
+
+bool usesHugePages(std::size_t size) {
+  return size >= kHugePageSize;
+}
+
+std::size_t roundedUp(std::size_t size) {
+  return (size + kHugePageSize - 1) / kHugePageSize * kHugePageSize;
+}
+
+std::byte* map(std::size_t size) {
+  void* const memory =
+      ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  if (memory == MAP_FAILED) throw std::bad_alloc();
+  return static_cast<std::byte*>(memory);
+}
+
+void unmap(std::byte* memory, std::size_t size) noexcept {
+  if (size > 0) ::munmap(memory, size);
+}
+
+}  // namespace
+
+void* allocateLarge(std::size_t size) {
+  if (!isMapped(size)) return ::operator new(size);
+  if (!usesHugePages(size)) return map(size);
+  if (size > PTRDIFF_MAX - 2 * kHugePageSize) throw std::bad_alloc();
+
+  // Only a piece that begins at a multiple of the page size can have large pages: map more than is
+  // needed, and give back what is before and after.
+  const std::size_t wanted = roundedUp(size);
+  const std::size_t mapped = wanted + kHugePageSize;
+  std::byte* const begin = map(mapped);
+  const std::size_t before =
+      (kHugePageSize - reinterpret_cast<std::uintptr_t>(begin) % kHugePageSize) % kHugePageSize;
+  unmap(begin, before);
+  unmap(begin + before + wanted, mapped - before - wanted);
+  // Advice only: where it isn't taken, ordinary pages do.
+  static_cast<void>(::madvise(begin + before, wanted, MADV_HUGEPAGE));
+  return begin + before;
+}
+
+void freeLarge(void* memory, std::size_t size) noexcept {
+  if (!isMapped(size)) {
+    ::operator delete(memory);
+  } else {
+    unmap(static_cast<std::byte*>(memory), usesHugePages(size) ? roundedUp(size) : size);
+  }
+}
+
+}  // namespace Orvane

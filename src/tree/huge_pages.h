@@ -1,0 +1,36 @@
+// Memory in large pages. The first touch of a 4 KiB page costs more than all that this program then
+// does with it; in pages of 2 MiB that cost all but goes away.
+#pragma once
+
+#include <cstddef>
+#include <new>
+
+namespace Orvane {
+
+inline constexpr std::size_t kHugePageSize = std::size_t{1} << 21;
+
+// `size` bytes straight from the system when `size` is worth it, so that they go back to it when
+// they are freed, and in large pages where those fit. Throws std::bad_alloc. To be given back with
+// the same size.
+void* allocateLarge(std::size_t size);
+void freeLarge(void* memory, std::size_t size) noexcept;
+
+// For containers that may grow large.
+template <typename T>
+struct LargeAllocator {
+  using value_type = T;
+
+  LargeAllocator() = default;
+  template <typename U>
+  explicit LargeAllocator(const LargeAllocator<U>& /*other*/) {}
+
+  T* allocate(std::size_t count) {
+    if (count > static_cast<std::size_t>(-1) / sizeof(T)) throw std::bad_array_new_length();
+    return static_cast<T*>(allocateLarge(count * sizeof(T)));
+  }
+  void deallocate(T* memory, std::size_t count) noexcept { freeLarge(memory, count * sizeof(T)); }
+
+  friend bool operator==(const LargeAllocator& /*a*/, const LargeAllocator& /*b*/) { return true; }
+};
+
+}  // namespace Orvane

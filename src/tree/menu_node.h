@@ -1,0 +1,198 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+namespace Orvane {
+
+class NodeArena;
+class Track;
+
+// Values of MenuNode's nodeType. A node that never gets one keeps 0 and counts as a menu
+// everywhere.
+inline constexpr std::uint32_t NODE_TYPE_MENU = 1;   // may hold children
+inline constexpr std::uint32_t NODE_TYPE_MEDIA = 2;  // a media leaf: one track
+
+// Values of MenuNode's recType as the inventory mode sets them; an XML menu tree may carry others.
+// Players know them by number: they are written to the inventory file.
+namespace RecType {
+inline constexpr std::uint32_t kMediaLeaf = 0;
+inline constexpr std::uint32_t kAlbum = 3;
+inline constexpr std::uint32_t kArtist = 4;
+inline constexpr std::uint32_t kGenre = 5;
+inline constexpr std::uint32_t kPlaylist = 6;
+inline constexpr std::uint32_t kPlainMenu = 7;
+inline constexpr std::uint32_t kOneStar = 11;
+inline constexpr std::uint32_t kTwoStars = 12;
+inline constexpr std::uint32_t kThreeStars = 13;
+}  // namespace RecType
+
+// One entry of the menu tree: a menu with children, or a media leaf.
+//
+// A node owns its children and so its whole subtree; it must be in at most one parent's children.
+// Nodes that a tree makes (MenuTree::getRoot, appendChild) live in the tree's arena and are freed
+// with the tree; others are made like any object, and free their subtree when they are destroyed,
+// depth first, in constant extra space whatever its depth.
+//
+// Each node has one iteration cursor. The walk is:
+//   for (p = node.firstChild(); node.hasMoreChildren(); p = node.nextChild()) use(*p);
+// Only one such walk per node may be under way, and the find operations move the cursor too.
+//
+// A million tracks make some five million nodes, nearly all of them plain leaves: a node is 40
+// bytes, and what only menus or unusual values need is in a Branch of its own.
+class MenuNode {
+ public:
+  // A place in the children sequence; good until a child is added to the node.
+  using Position = MenuNode**;
+  using ConstPosition = const MenuNode* const*;
+
+  // The longest name that is stored whole, and how much of a longer one is kept. The two differ on
+  // purpose; existing inventories depend on both.
+  static constexpr std::size_t kMaxNameLength = 64;
+  static constexpr std::size_t kShortenedNameLength = 62;
+
+  // What a fresh node's name becomes when it is set to `name`.
+  static std::string_view storedForm(std::string_view name) {
+    return name.size() <= kMaxNameLength ? name : name.substr(0, kShortenedNameLength);
+  }
+
+  // All numbers 0, an empty name, no track, no children.
+  MenuNode();
+  MenuNode(const MenuNode&) = delete;
+  MenuNode& operator=(const MenuNode&) = delete;
+  ~MenuNode();
+
+  void setNodeType(std::uint32_t value);
+  void setMediaId(std::uint32_t value);
+  void setRecType(std::uint32_t value);
+  void setRating(std::uint32_t value);
+  void setAttribMask(std::uint32_t value);
+  std::uint32_t setSpare(std::uint32_t value);
+
+  // The track that a media leaf stands for. Not owned; nullptr when there is none.
+  void setTrack(const Track* track) { track_ = track; }
+
+  // Up to 64 bytes replace the name. Of a longer name the first 62 bytes are put in front of the
+  // name that the node already has, which stays behind them: on a fresh node that shortens the
+  // name, on the root it gives those bytes followed by "root".
+  void setName(std::string_view name);
+
+  // setName without a copy where none is needed: the bytes of `name` must outlive the node.
+  void setBorrowedName(std::string_view name);
+
+  // The setters in the order of the arguments. `spare`, track and children stay.
+  void setAll(std::uint32_t nodeType, std::uint32_t mediaId, std::string_view name,
+              std::uint32_t recType, std::uint32_t rating, std::uint32_t attribMask);
+
+  // Says that all nodes of this tree with the same `token` have the same mediaId and name, so that
+  // whoever compares those need look at one of them only. Setting either takes the token away
+  // again. Tokens count from 1 and should be dense; 0 is none.
+  void setContentToken(std::uint32_t token) { contentToken_ = token; }
+  std::uint32_t getContentToken() const { return contentToken_; }
+
+  std::uint32_t getNodeType() const { return nodeType_ == kWide ? branch_->nodeType : nodeType_; }
+  std::uint32_t getMediaId() const { return mediaId_; }
+  std::uint32_t getRecType() const { return recType_ == kWide ? branch_->recType : recType_; }
+  std::uint32_t getRating() const { return rating_ == kWide ? branch_->rating : rating_; }
+  std::uint32_t getAttribMask() const { return branch_->attribMask; }
+  std::uint32_t getSpare() const { return branch_->spare; }
+  const Track* getTrack() const { return track_; }
+
+  // The stored bytes in place; good until the name is set again.
+  std::string_view getName() const { return {name_, nameSize_}; }
+
+  // Appends `child` and owns it from then on. False for nullptr. When memory runs out it throws,
+  // and the child is freed.
+  bool addChild(std::unique_ptr<MenuNode> child);
+
+  // Makes a fresh node, lets `fill` fill it, appends it and returns it: the quick way to grow a
+  // tree. When `fill` throws, nothing is appended.
+  template <typename Fill>
+  MenuNode& appendChild(Fill fill) {
+    MenuNode* const child = makeChild();
+    try {
+      fill(*child);
+      growChildren();
+    } catch (...) {
+      discardChild(child);
+      throw;
+    }
+    link(child);
+    return *child;
+  }
+
+  std::size_t childCount() const { return branch_->count; }
+
+  Position childrenBegin() { return branch_->children; }
+  Position childrenEnd() { return branch_->children + branch_->count; }
+  ConstPosition childrenBegin() const { return branch_->children; }
+  ConstPosition childrenEnd() const { return branch_->children + branch_->count; }
+
+  Position firstChild();
+  Position nextChild();
+  bool hasMoreChildren() const { return branch_->cursor < branch_->count; }
+
+  // The first child with that name (and id). When found, `position` and the cursor are at it; when
+  // not, both are at the end. Without children `position` is untouched. Linear in the children.
+  bool findChildByName(Position& position, std::string_view name);
+  bool findChildByNameAndMediaId(Position& position, std::string_view name, std::uint32_t mediaId);
+
+  // The first child with the name and the id of `other`, or nullptr. Resets the cursor. Linear.
+  MenuNode* findMatchingChild(const MenuNode& other);
+
+ private:
+  friend class NodeArena;
+
+  // What a node has beyond the 40 bytes. Nodes that need nothing of it share one that is all zero,
+  // the arena's or, outside arenas, a static one.
+  struct Branch {
+    NodeArena* arena = nullptr;  // where the node lives; nullptr for one that stands alone
+    bool isShared = false;
+    MenuNode** children = nullptr;
+    std::uint32_t count = 0;
+    std::uint32_t capacity = 0;
+    std::uint32_t cursor = 0;
+    std::uint32_t nodeType = 0;  // these three count when the node's own field says kWide
+    std::uint32_t recType = 0;
+    std::uint32_t rating = 0;
+    std::uint32_t attribMask = 0;
+    std::uint32_t spare = 0;
+    MenuNode* parent = nullptr;  // the way back up while a subtree is being freed
+  };
+
+  static constexpr std::uint8_t kWide = 0xFF;
+
+  explicit MenuNode(Branch* branch) : branch_(branch) {}
+
+  Branch& ownBranch();
+  void setNumber(std::uint8_t MenuNode::*field, std::uint32_t Branch::*wideField,
+                 std::uint32_t value);
+  void takeName(std::string_view name, bool isOwned);
+  void prependName(std::string_view name);
+  MenuNode* makeChild();
+  void discardChild(MenuNode* child);
+  void link(MenuNode* child) { branch_->children[branch_->count++] = child; }
+  void growChildren();
+  void freeChildren();
+  void freeOwn();
+
+  template <typename Predicate>
+  bool findChild(Position& position, Predicate matches);
+
+  const char* name_ = "";
+  Branch* branch_;
+  const Track* track_ = nullptr;
+  std::uint32_t nameSize_ = 0;
+  std::uint32_t mediaId_ = 0;
+  std::uint32_t contentToken_ = 0;
+  std::uint8_t nodeType_ = 0;
+  std::uint8_t recType_ = 0;
+  std::uint8_t rating_ = 0;
+  bool ownsName_ = false;  // only of a node that stands alone
+};
+
+static_assert(sizeof(void*) != 8 || sizeof(MenuNode) == 40, "a tree holds millions of these");
+
+}  // namespace Orvane

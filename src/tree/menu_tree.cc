@@ -1,0 +1,32 @@
+#include "tree/menu_tree.h"
+
+#include <utility>
+
+#include "tree/node_arena.h"
+
+namespace Orvane {
+
+MenuTree::MenuTree() : arena_(std::make_unique<NodeArena>()), root_(arena_->make()) {
+  root_->setAll(NODE_TYPE_MENU, 0, "root", RecType::kPlainMenu, 0, 0);
+}
+
+MenuTree::~MenuTree() = default;
+
+bool MenuTree::addChild(MenuNode* parent, std::unique_ptr<MenuNode> child) {
+  return parent != nullptr && parent->addChild(std::move(child));
+}
+
+std::size_t MenuTree::nodeCountHint() const {
+  return arena_->nodeCount();
+}
+
+bool MenuTree::acceptTokensOf(const void* issuer) {
+  if (tokenIssuer_ == nullptr) tokenIssuer_ = issuer;
+  return tokenIssuer_ == issuer;
+}
+
+bool MenuTree::addChildToRoot(std::unique_ptr<MenuNode> child) {
+  return addChild(getRoot(), std::move(child));
+}
+
+}  // namespace Orvane

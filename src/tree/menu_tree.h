@@ -1,0 +1,57 @@
+#pragma once
+
+#include <memory>
+
+#include "tree/menu_node.h"
+
+namespace Orvane {
+
+class NodeArena;
+
+// The owner of a whole menu tree. The root exists as long as the tree does.
+class MenuTree {
+ public:
+  // The root is a plain menu named "root" with mediaId, rating and attribMask 0.
+  MenuTree();
+  MenuTree(const MenuTree&) = delete;
+  MenuTree& operator=(const MenuTree&) = delete;
+  ~MenuTree();
+
+  MenuNode* getRoot() { return root_; }
+  const MenuNode* getRoot() const { return root_; }
+
+  // Appends `child` to the children of `parent` (of the root), which owns it from then on. False
+  // when an argument is nullptr: the tree is unchanged, and a child without a parent is freed, as
+  // it is when memory runs out, which throws.
+  static bool addChild(MenuNode* parent, std::unique_ptr<MenuNode> child);
+  bool addChildToRoot(std::unique_ptr<MenuNode> child);
+
+  // About how many nodes the tree has: those that it made itself.
+  std::size_t nodeCountHint() const;
+
+  // Whether nodes of this tree may carry the content tokens that `issuer` gives. Tokens of one
+  // issuer only can be told apart: the first who asks.
+  bool acceptTokensOf(const void* issuer);
+
+  // Puts the children of album, artist and genre menus (recType 3 to 5) and of menus named
+  // "Artists", "Albums", "Geners" or "Songs" in the order of their names as unsigned bytes,
+  // everywhere beneath `node`; the node's own children keep their order. Among equal names the
+  // order is the one that std::sort by name makes of the order before. nullptr is ignored.
+  static void sortTree(MenuNode* node);
+
+  // Prints the children of `node`, then of each menu beneath it, to standard output. nullptr is
+  // ignored.
+  static void dumpTree(const MenuNode* node);
+
+  // The first node beneath `node` with the name, recType and mediaId of `target`, or nullptr: all
+  // children of a node are tried before any grandchild. Prints every name that it tries to standard
+  // output.
+  static MenuNode* findNodeTrace(MenuNode* node, const MenuNode& target);
+
+ private:
+  std::unique_ptr<NodeArena> arena_;
+  MenuNode* root_;
+  const void* tokenIssuer_ = nullptr;
+};
+
+}  // namespace Orvane

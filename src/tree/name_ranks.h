@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "tree/huge_pages.h"
+
+namespace Orvane {
+
+// The places of names in their order as unsigned bytes, for names that are known by dense numbers:
+// ranks compare as the names do, equal ones of equal names.
+class NameRanks {
+ public:
+  // Adds a name; its bytes must stay until rank() is called. The first name of a number counts.
+  void add(std::uint32_t number, std::string_view name);
+
+  // Ranks all names added.
+  void rank();
+
+  // The rank of an added name, after rank().
+  std::uint32_t operator[](std::uint32_t number) const { return ranks_[number]; }
+
+  // The rank of the last name in the order.
+  std::uint32_t highest() const { return highest_; }
+
+ private:
+  // Eight bytes of a name, in the order of whose values the names come, and which name it is.
+  struct Key {
+    std::uint64_t bytes;
+    std::uint32_t number;
+  };
+
+  std::uint64_t bytesAt(std::uint32_t number, std::size_t offset) const;
+
+  template <typename T>
+  using Sequence = std::vector<T, LargeAllocator<T>>;
+
+  Sequence<std::string_view> names_;  // by number
+  std::vector<bool> isKnown_;         // by number: a name was added
+  Sequence<Key> keys_;
+  Sequence<std::uint32_t> ranks_;  // by number
+  std::uint32_t highest_ = 0;
+};
+
+}  // namespace Orvane

@@ -1,0 +1,38 @@
+#include "tree/node_arena.h"
+
+#include <bit>
+#include <new>
+
+namespace Orvane {
+
+NodeArena::NodeArena() {
+  plain_.arena = this;
+  plain_.isShared = true;
+}
+
+MenuNode* NodeArena::make() {
+  ++nodeCount_;
+  return new (memory_.allocate(sizeof(MenuNode), alignof(MenuNode))) MenuNode(&plain_);
+}
+
+MenuNode::Branch* NodeArena::makeBranch() {
+  void* const place = memory_.allocate(sizeof(MenuNode::Branch), alignof(MenuNode::Branch));
+  return new (place) MenuNode::Branch{.arena = this};
+}
+
+MenuNode** NodeArena::makeArray(std::uint32_t capacity) {
+  auto& spare = spareArrays_[static_cast<std::size_t>(std::countr_zero(capacity))];
+  if (!spare.empty()) {
+    MenuNode** const array = spare.back();
+    spare.pop_back();
+    return array;
+  }
+  return static_cast<MenuNode**>(
+      memory_.allocate(capacity * sizeof(MenuNode*), alignof(MenuNode*)));
+}
+
+void NodeArena::giveBack(MenuNode** array, std::uint32_t capacity) {
+  spareArrays_[static_cast<std::size_t>(std::countr_zero(capacity))].push_back(array);
+}
+
+}  // namespace Orvane

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "tree/arena.h"
+#include "tree/menu_node.h"
+
+namespace Orvane {
+
+// Holds the nodes of one tree with all that belongs to them, and frees them together without
+// looking at any.
+class NodeArena {
+ public:
+  NodeArena();
+
+  // A fresh node. It, its name and its children belong to the arena.
+  MenuNode* make();
+
+  // How many nodes it has made.
+  std::size_t nodeCount() const { return nodeCount_; }
+
+  // Takes over a node from elsewhere with all that is beneath it.
+  void adopt(std::unique_ptr<MenuNode> node) { adopted_.push_back(std::move(node)); }
+
+ private:
+  friend class MenuNode;
+
+  std::string_view keep(std::string_view text) { return memory_.keep(text); }
+  MenuNode::Branch* makeBranch();
+
+  // Arrays of a power of two of pointers; those given back are used again.
+  MenuNode** makeArray(std::uint32_t capacity);
+  void giveBack(MenuNode** array, std::uint32_t capacity);
+
+  Arena memory_;
+  std::size_t nodeCount_ = 0;
+  std::array<std::vector<MenuNode**>, 32> spareArrays_;  // by the capacity's power of two
+  MenuNode::Branch plain_;                               // stands for that of a node without any
+  std::vector<std::unique_ptr<MenuNode>> adopted_;
+};
+
+}  // namespace Orvane

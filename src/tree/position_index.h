@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string_view>
+#include <vector>
+
+#include "tree/huge_pages.h"
+
+namespace Orvane {
+
+// The hash of a name together with an id, for PositionIndex.
+inline std::uint32_t hashNameAndId(std::string_view name, std::uint32_t id) {
+  constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15;  // spreads neighbouring ids over all bits
+  const std::uint64_t mixed = (std::hash<std::string_view>{}(name) ^ id) * kOdd;
+  return static_cast<std::uint32_t>(mixed >> 32);
+}
+
+// Finds elements of a growing sequence by key without holding them: an open-addressing hash table
+// of positions, eight bytes a slot. The sequence and the keys are the caller's.
+class PositionIndex {
+ public:
+  // The position of the element for which `matches(position)` holds, among those entered with that
+  // hash. When there is none, enters `next` and returns it.
+  template <typename Matches>
+  std::uint32_t findOrInsert(std::uint32_t hash, std::uint32_t next, Matches matches) {
+    if (4 * (used_ + 1) > 3 * slots_.size()) grow();
+    std::size_t at = hash & (slots_.size() - 1);
+    for (; slots_[at].position != kFree; at = (at + 1) & (slots_.size() - 1)) {
+      if (slots_[at].hash == hash && matches(slots_[at].position)) return slots_[at].position;
+    }
+    slots_[at] = {hash, next};
+    ++used_;
+    return next;
+  }
+
+ private:
+  static constexpr std::uint32_t kFree = 0xFFFFFFFF;
+
+  struct Slot {
+    std::uint32_t hash = 0;
+    std::uint32_t position = kFree;
+  };
+
+  void grow() {
+    std::vector<Slot, LargeAllocator<Slot>> old(slots_.empty() ? 16 : 2 * slots_.size());
+    old.swap(slots_);
+    for (const Slot& slot : old) {
+      if (slot.position == kFree) continue;
+      std::size_t at = slot.hash & (slots_.size() - 1);
+      while (slots_[at].position != kFree) at = (at + 1) & (slots_.size() - 1);
+      slots_[at] = slot;
+    }
+  }
+
+  std::vector<Slot, LargeAllocator<Slot>>
+      slots_;  // a power of two of them, at most three quarters of them used
+  std::size_t used_ = 0;
+};
+
+}  // namespace Orvane

@@ -1,0 +1,212 @@
+// What must hold alike for a node that stands alone and for one that a tree made in its arena.
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "allocation_probe.h"
+#include "test_support.h"
+#include "tree/menu_tree.h"
+
+namespace Orvane {
+namespace {
+
+using test::addMedia;
+using test::addMenu;
+using test::describeNode;
+
+enum class Owner { kNone, kTree };
+
+class NodeOwnership : public ::testing::TestWithParam<Owner> {
+ protected:
+  // A fresh node; each call gives another.
+  MenuNode& fresh() {
+    if (GetParam() == Owner::kTree) return tree_.getRoot()->appendChild([](MenuNode&) {});
+    alone_.push_back(std::make_unique<MenuNode>());
+    return *alone_.back();
+  }
+
+ private:
+  MenuTree tree_;
+  std::vector<std::unique_ptr<MenuNode>> alone_;
+};
+
+TEST_P(NodeOwnership, FreshNodeHasNothing) {
+  const MenuNode& node = fresh();
+  EXPECT_EQ(describeNode(node), "0 0 '' 0 0 0");
+  EXPECT_EQ(node.getSpare(), 0U);
+  EXPECT_EQ(node.getTrack(), nullptr);
+  EXPECT_EQ(node.getContentToken(), 0U);
+  EXPECT_EQ(node.childCount(), 0U);
+}
+
+TEST_P(NodeOwnership, NumbersOfEverySizeAreKept) {
+  MenuNode& node = fresh();
+  const MenuNode& other = fresh();
+  constexpr auto kMax = std::numeric_limits<std::uint32_t>::max();
+  for (const std::uint32_t value : {1U, 254U, 255U, 256U, 257U, 65535U, 65536U, kMax, 255U, 0U}) {
+    node.setAll(value, value, "", value, value, value);
+    EXPECT_EQ(node.setSpare(value), value);
+    EXPECT_EQ(node.getNodeType(), value);
+    EXPECT_EQ(node.getMediaId(), value);
+    EXPECT_EQ(node.getRecType(), value);
+    EXPECT_EQ(node.getRating(), value);
+    EXPECT_EQ(node.getAttribMask(), value);
+    EXPECT_EQ(node.getSpare(), value);
+  }
+  EXPECT_EQ(describeNode(other), "0 0 '' 0 0 0") << "nodes must not share what was set";
+}
+
+TEST_P(NodeOwnership, EachNumberIsWideByItself) {
+  MenuNode& node = fresh();
+  node.setAll(300, 0, "", 1, 2, 3);
+  EXPECT_EQ(describeNode(node), "300 0 '' 1 2 3");
+  node.setAll(1, 0, "", 300, 2, 3);
+  EXPECT_EQ(describeNode(node), "1 0 '' 300 2 3");
+  node.setAll(1, 0, "", 2, 300, 3);
+  EXPECT_EQ(describeNode(node), "1 0 '' 2 300 3");
+}
+
+TEST_P(NodeOwnership, NameRule) {
+  const std::string name(65, 'n');
+  MenuNode& node = fresh();
+  node.setName(name);
+  EXPECT_EQ(node.getName(), name.substr(3));
+  node.setName(name.substr(1));
+  EXPECT_EQ(node.getName(), name.substr(1));
+  node.setName("abc");
+  node.setName(name);
+  EXPECT_EQ(node.getName(), name.substr(3) + "abc");
+  node.setName(node.getName());
+  EXPECT_EQ(node.getName(), name.substr(3) + name.substr(3) + "abc");
+  node.setName("");
+  EXPECT_EQ(node.getName(), "");
+}
+
+TEST_P(NodeOwnership, NameIsACopy) {
+  MenuNode& node = fresh();
+  std::string text = "before";
+  node.setName(text);
+  text = "after!";
+  EXPECT_EQ(node.getName(), "before");
+}
+
+TEST_P(NodeOwnership, SettingNameOrIdTakesTheTokenAway) {
+  MenuNode& node = fresh();
+  node.setContentToken(7);
+  node.setRecType(1);
+  node.setAttribMask(2);
+  EXPECT_EQ(node.getContentToken(), 7U);
+  node.setName("name");
+  EXPECT_EQ(node.getContentToken(), 0U);
+  node.setContentToken(7);
+  node.setMediaId(1);
+  EXPECT_EQ(node.getContentToken(), 0U);
+  node.setContentToken(7);
+  node.setBorrowedName("borrowed");
+  EXPECT_EQ(node.getContentToken(), 0U);
+  node.setContentToken(7);
+  node.setName(std::string(65, 'n'));
+  EXPECT_EQ(node.getContentToken(), 0U);
+}
+
+TEST_P(NodeOwnership, AppendChildReturnsTheFilledLastChild) {
+  MenuNode& node = fresh();
+  addMedia(node, 1, "first");
+  const MenuNode& child = node.appendChild([](MenuNode& c) { c.setName("second"); });
+  EXPECT_EQ(child.getName(), "second");
+  ASSERT_EQ(node.childCount(), 2U);
+  EXPECT_EQ(node.childrenBegin()[1], &child);
+}
+
+TEST_P(NodeOwnership, AppendChildAppendsNothingWhenFillingFails) {
+  MenuNode& node = fresh();
+  const auto fail = [](MenuNode& child) {
+    child.setName("lost");
+    throw std::runtime_error("on purpose");
+  };
+  EXPECT_THROW(node.appendChild(fail), std::runtime_error);
+  EXPECT_EQ(node.childCount(), 0U);
+  const MenuNode& child = node.appendChild([](MenuNode& c) { c.setName("kept"); });
+  ASSERT_EQ(node.childCount(), 1U);
+  EXPECT_EQ(*node.childrenBegin(), &child);
+}
+
+TEST_P(NodeOwnership, MenusThatGrowInTurnKeepTheirChildren) {
+  constexpr std::uint32_t kMenus = 7;
+  constexpr std::uint32_t kChildren = 300;
+  std::vector<MenuNode*> menus;
+  for (std::uint32_t i = 0; i < kMenus; ++i) menus.push_back(&fresh());
+  for (std::uint32_t id = 0; id < kMenus * kChildren; ++id) {
+    // Some menus grow more slowly, so that they meet what the others have given back.
+    if (id % kMenus % 2 == 0 || id % 3 == 0) {
+      menus[id % kMenus]->appendChild([&](MenuNode& child) { child.setMediaId(id); });
+    }
+  }
+  std::size_t seen = 0;
+  for (std::uint32_t i = 0; i < kMenus; ++i) {
+    std::uint32_t expected = i;
+    for (auto p = menus[i]->firstChild(); menus[i]->hasMoreChildren(); p = menus[i]->nextChild()) {
+      while (!(i % 2 == 0 || expected % 3 == 0)) expected += kMenus;
+      ASSERT_EQ((*p)->getMediaId(), expected);
+      expected += kMenus;
+      ++seen;
+    }
+  }
+  EXPECT_EQ(seen, 4 * kChildren + 3 * kChildren / 3);
+}
+
+INSTANTIATE_TEST_SUITE_P(Owners, NodeOwnership, ::testing::Values(Owner::kNone, Owner::kTree),
+                         [](const auto& parameter) {
+                           return parameter.param == Owner::kNone ? "Alone" : "OfATree";
+                         });
+
+TEST(NodeOwnershipMemory, TreeFreesItsOwnNodesAndAdoptedOnes) {
+  const std::ptrdiff_t before = test::liveAllocations();
+  {
+    MenuTree tree;
+    MenuNode& made = tree.getRoot()->appendChild([](MenuNode& node) { node.setName("made"); });
+    MenuNode& adopted = addMenu(made, 300, "adopted", 300);
+    addMedia(adopted, 1, "beneath it");
+    adopted.appendChild([](MenuNode& node) { node.setName("made by the adopted node"); });
+    made.appendChild([](MenuNode& node) { node.setRating(1000); });
+    EXPECT_THROW(adopted.appendChild([](MenuNode& node) {
+      node.setName("lost");
+      throw std::runtime_error("on purpose");
+    }),
+                 std::runtime_error);
+    EXPECT_EQ(made.childCount(), 2U);
+    EXPECT_GT(test::liveAllocations(), before);
+  }
+  EXPECT_EQ(test::liveAllocations(), before);
+}
+
+TEST(NodeOwnershipMemory, DeepTreeOfItsOwnNodesIsFreed) {
+  const std::ptrdiff_t before = test::liveAllocations();
+  {
+    MenuTree tree;
+    MenuNode* deepest = tree.getRoot();
+    for (int i = 0; i < 100000; ++i) deepest = &deepest->appendChild([](MenuNode&) {});
+    EXPECT_EQ(deepest->childCount(), 0U);
+  }
+  EXPECT_EQ(test::liveAllocations(), before);
+}
+
+TEST(NodeOwnershipMemory, DeepAdoptedSubtreeIsFreed) {
+  const std::ptrdiff_t before = test::liveAllocations();
+  {
+    MenuTree tree;
+    MenuNode* deepest = &addMenu(*tree.getRoot(), 0, "adopted");
+    for (int i = 0; i < 100000; ++i) deepest = &deepest->appendChild([](MenuNode&) {});
+  }
+  EXPECT_EQ(test::liveAllocations(), before);
+}
+
+}  // namespace
+}  // namespace Orvane
