@@ -1,0 +1,34 @@
+#include "io/buffer.h"
+
+namespace Orvane {
+
+Buffer::~Buffer() = default;
+
+bool Buffer::enter(std::uint32_t newMode) {
+  if (mode != kClosed) return false;
+  mode = newMode;
+  return true;
+}
+
+bool Buffer::openForWrite() {
+  return enter(kStreamWrite);
+}
+
+bool Buffer::openForRead() {
+  return enter(kStreamRead);
+}
+
+bool Buffer::close() {
+  mode = kClosed;
+  return true;
+}
+
+bool Buffer::openRawRead() {
+  return enter(kRawRead);
+}
+
+bool Buffer::openRawWrite() {
+  return enter(kRawWrite);
+}
+
+}  // namespace Orvane

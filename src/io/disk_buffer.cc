@@ -1,0 +1,161 @@
+#include "io/disk_buffer.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <exception>
+
+#include "errors/ov_read_error.h"
+#include "errors/ov_write_error.h"
+
+namespace Orvane {
+
+namespace {
+
+constexpr std::size_t kStreamBufferSize = std::size_t{1} << 16;
+
+std::ios_base::seekdir direction(int whence) {
+  switch (whence) {
+    case 1:
+      return std::ios_base::cur;
+    case 2:
+      return std::ios_base::end;
+    default:
+      return std::ios_base::beg;
+  }
+}
+
+}  // namespace
+
+DiskBuffer::DiskBuffer(const std::string& fileName)
+    : fileName_(fileName),
+      streamBuffer_(std::make_unique_for_overwrite<char[]>(kStreamBufferSize)) {}
+
+DiskBuffer::DiskBuffer(const char* fileName) : DiskBuffer(std::string(fileName)) {}
+
+DiskBuffer::~DiskBuffer() {
+  closeDescriptor();
+}
+
+void DiskBuffer::closeDescriptor() {
+  if (fd_ == -1) return;
+  ::close(fd_);
+  fd_ = -1;
+}
+
+bool DiskBuffer::openStream(std::ios_base::openmode direction) {
+  stream_.rdbuf()->pubsetbuf(streamBuffer_.get(), kStreamBufferSize);
+  if (!stream_.is_open()) streamWrites_ = direction == std::ios_base::out;
+  stream_.open(fileName_, direction | std::ios_base::binary);
+  return stream_.is_open();
+}
+
+bool DiskBuffer::openForWrite() {
+  return Buffer::openForWrite() && openStream(std::ios_base::out);
+}
+
+bool DiskBuffer::openForRead() {
+  return Buffer::openForRead() && openStream(std::ios_base::in);
+}
+
+bool DiskBuffer::close() {
+  Buffer::close();
+  const bool flushed = !stream_.is_open() || stream_.rdbuf()->close() != nullptr;
+  closeDescriptor();
+  if (streamWrites_ && !flushed) throw OVWriteError(OVWriteError::kShortWrite);
+  return true;
+}
+
+bool DiskBuffer::write(const char* data, int length) {
+  try {
+    // What stream_.write() does, less its checks for what this stream isn't: millions of records
+    // come through here.
+    if (!stream_.good() || stream_.rdbuf()->sputn(data, length) != length) {
+      stream_.setstate(std::ios_base::badbit);
+    }
+  } catch (...) {
+    std::terminate();
+  }
+  if (!stream_.good()) throw OVWriteError(OVWriteError::kShortWrite);
+  return true;
+}
+
+bool DiskBuffer::read(char* data, int length) {
+  try {
+    stream_.read(data, length);
+  } catch (...) {
+    std::terminate();
+  }
+  if (!stream_.good()) throw OVReadError(OVReadError::kShortRead);
+  return true;
+}
+
+long DiskBuffer::seek(long offset, int whence) {
+  std::fstream::pos_type reached = -1;
+  if (mode == kStreamRead) {
+    stream_.seekg(offset, direction(whence));
+    reached = stream_.tellg();
+  } else if (mode == kStreamWrite) {
+    stream_.seekp(offset, direction(whence));
+    reached = stream_.tellp();
+  }
+  return stream_.good() ? static_cast<long>(reached) : -1;
+}
+
+bool DiskBuffer::openDescriptor(int flags) {
+  constexpr mode_t kPermissions = 0644;
+  closeDescriptor();  // a failed transfer closes the buffer but leaves its descriptor
+  fd_ = ::open(fileName_.c_str(), flags, kPermissions);
+  if (fd_ == -1) Buffer::close();
+  return fd_ != -1;
+}
+
+bool DiskBuffer::openRawRead() {
+  if (!Buffer::openRawRead() || !openDescriptor(O_RDONLY | O_CLOEXEC)) return false;
+  struct stat status {};
+  if (::fstat(fd_, &status) != 0) {
+    Buffer::close();
+    return false;
+  }
+  fileSize_ = static_cast<std::uint64_t>(status.st_size);
+  position_ = 0;
+  return true;
+}
+
+bool DiskBuffer::openRawWrite() {
+  return Buffer::openRawWrite() && openDescriptor(O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC);
+}
+
+bool DiskBuffer::nextBlock(char** data, unsigned* length) {
+  *data = block_.data();
+  if (mode != kRawRead) {
+    *length = kBlockSize;
+    return true;
+  }
+  const std::uint64_t toBoundary = kBlockSize - blockCounter % kBlockSize;
+  const std::uint64_t piece = std::min(toBoundary, fileSize_ - position_);
+  const ssize_t got = ::read(fd_, block_.data(), piece);
+  if (got < 0 || static_cast<std::uint64_t>(got) != piece) {
+    Buffer::close();
+    return false;
+  }
+  position_ += piece;
+  blockCounter += piece;
+  *length = static_cast<unsigned>(piece);
+  return true;
+}
+
+bool DiskBuffer::commitBlock(int length) {
+  if (mode == kRawRead) return true;
+  const bool fits = length >= 0 && static_cast<unsigned>(length) <= kBlockSize;
+  if (!fits || ::write(fd_, block_.data(), static_cast<std::size_t>(length)) != length) {
+    Buffer::close();
+    return false;
+  }
+  position_ += static_cast<std::uint64_t>(length);
+  return true;
+}
+
+}  // namespace Orvane
