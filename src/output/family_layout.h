@@ -1,0 +1,92 @@
+// The order in which both layouts put a tree into records.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+#include "output/inventory_format.h"
+#include "tree/menu_node.h"
+#include "tree/prefetch.h"
+
+namespace Orvane {
+
+// Appends a record for every descendant of `node` to `table` and links the records: the children of
+// a node stand together, followed by all descendants of its first child, then those of its second,
+// and so on. Returns the index of the node's first child record, where its children would stand if
+// it has none, or kNoChildren for nullptr and for a media leaf, whose children are never laid out.
+//
+// A Table offers:
+//   std::uint32_t size() const;                                 records so far
+//   void append(const MenuNode& node);                          a record for `node`, not yet linked
+//   void setFirstChild(std::uint32_t record, std::uint32_t i);  links a record to its children
+//   bool isDeferred(const MenuNode& child) const;               see below
+//
+// The descendants of a deferred child come after those of all its siblings. Among several deferred
+// siblings only the last is descended into; the others are linked to 0.
+//
+// Works with a stack of its own: menus may be nested as deep as memory allows.
+template <typename Table>
+std::uint32_t layoutFamilies(const MenuNode* node, Table& table) {
+  constexpr std::uint32_t kNone = 0xFFFFFFFF;
+
+  if (node == nullptr || node->getNodeType() == NODE_TYPE_MEDIA) return kNoChildren;
+
+  // A node's children whose own children are still to come, as places in `toVisit`.
+  struct Family {
+    std::size_t next;
+    std::size_t end;
+    std::size_t deferred;  // to be visited last, or kNone
+  };
+  struct Child {
+    const MenuNode* node;
+    std::uint32_t record;
+  };
+  std::vector<Family> unfinished;
+  std::vector<Child> toVisit;
+
+  const auto appendFamily = [&](const MenuNode& parent) {
+    const std::uint32_t base = table.size();
+    if (parent.childCount() == 0) return base;
+    const std::size_t first = toVisit.size();
+    std::uint32_t record = base;
+    forEachPrefetched(parent.childrenBegin(), parent.childrenEnd(), [&](const MenuNode& child) {
+      table.append(child);
+      if (child.getNodeType() != NODE_TYPE_MEDIA || table.isDeferred(child)) {
+        toVisit.push_back({&child, record});
+      } else {
+        table.setFirstChild(record, kNoChildren);
+      }
+      ++record;
+    });
+    unfinished.push_back({first, toVisit.size(), kNone});
+    return base;
+  };
+
+  const std::uint32_t result = appendFamily(*node);
+  while (!unfinished.empty()) {
+    Family& family = unfinished.back();
+    std::size_t visited = family.next;
+    if (family.next < family.end) {
+      ++family.next;
+      if (table.isDeferred(*toVisit[visited].node)) {
+        family.deferred = visited;
+        table.setFirstChild(toVisit[visited].record, 0);
+        continue;
+      }
+    } else if (family.deferred != kNone) {
+      visited = std::exchange(family.deferred, kNone);
+    } else {
+      unfinished.pop_back();
+      toVisit.resize(unfinished.empty() ? 0 : unfinished.back().end);
+      continue;
+    }
+    const Child child = toVisit[visited];
+    const bool leaf = child.node->getNodeType() == NODE_TYPE_MEDIA;
+    table.setFirstChild(child.record, leaf ? kNoChildren : appendFamily(*child.node));
+  }
+  return result;
+}
+
+}  // namespace Orvane
