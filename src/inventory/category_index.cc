@@ -1,0 +1,127 @@
+#include "inventory/category_index.h"
+
+#include <algorithm>
+#include <numeric>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "inventory/name_folding.h"
+
+namespace Orvane {
+
+bool CategoryIndex::orders(std::uint32_t a, std::uint32_t b) const {
+  if (order_ == Order::kByNumber) return names_[a].id < names_[b].id;
+  return names_[a].folded < names_[b].folded;
+}
+
+std::uint32_t CategoryIndex::nameFor(std::uint32_t id, std::string_view text) {
+  const std::uint32_t* const known = nameById_.find(id);
+  const bool isNew = known == nullptr;
+  const auto position = isNew ? static_cast<std::uint32_t>(names_.size()) : *known;
+  if (isNew) {
+    names_.push_back({id, {}, {}});
+    *nameById_.enter(id).first = position;
+  }
+  Name& name = names_[position];
+  if (order_ == Order::kByName && (isNew || name.text != text)) {
+    const std::string folded = foldName(text);
+    if (folded != name.folded) {
+      if (!isNew) placeEntries();
+      name.folded = foldedNames_->keep(folded);
+    }
+    name.text = text;
+  }
+  return position;
+}
+
+void CategoryIndex::placeEntries() {
+  if (placed_) return;
+  auto placed = std::make_unique<Placed>(ByLiveName{this});
+  for (const Entry& entry : entries_) placed->emplace(entry.name, entry.track);
+  placed_ = std::move(placed);
+  entries_ = {};
+}
+
+void CategoryIndex::insert(std::uint32_t id, std::string_view name, std::uint32_t track) {
+  const std::uint32_t position = nameFor(id, name);
+  if (placed_) {
+    placed_->emplace(position, track);
+  } else {
+    entries_.push_back({position, track});
+  }
+}
+
+std::string_view CategoryIndex::nameOf(std::uint32_t id) const {
+  const std::uint32_t* const position = nameById_.find(id);
+  return position == nullptr ? std::string_view() : names_[*position].text;
+}
+
+std::vector<std::uint32_t> CategoryIndex::tracksInOrder() const {
+  std::vector<std::uint32_t> tracks;
+  if (placed_) {
+    tracks.reserve(placed_->size());
+    for (const auto& [name, track] : *placed_) tracks.push_back(track);
+    return tracks;
+  }
+
+  // There are far fewer names than entries: order the names, then count the entries into place.
+  std::vector<std::uint32_t> byName(names_.size());
+  std::iota(byName.begin(), byName.end(), 0U);
+  std::sort(byName.begin(), byName.end(),
+            [this](std::uint32_t a, std::uint32_t b) { return orders(a, b); });
+  std::vector<std::uint32_t> rank(names_.size());
+  std::uint32_t ranks = 0;
+  for (std::size_t i = 0; i < byName.size(); ++i) {
+    if (i > 0 && orders(byName[i - 1], byName[i])) ++ranks;
+    rank[byName[i]] = ranks;
+  }
+  std::vector<std::size_t> place(names_.size() + 1);
+  for (const Entry& entry : entries_) ++place[rank[entry.name] + 1];
+  std::partial_sum(place.begin(), place.end(), place.begin());
+  tracks.resize(entries_.size());
+  for (const Entry& entry : entries_) tracks[place[rank[entry.name]]++] = entry.track;
+  return tracks;
+}
+
+std::vector<std::uint32_t> CategoryIndex::tracksOf(std::uint32_t id) const {
+  std::vector<std::uint32_t> tracks;
+  const auto take = [&](std::uint32_t name, std::uint32_t track) {
+    if (names_[name].id == id) tracks.push_back(track);
+  };
+  for (const Entry& entry : entries_) take(entry.name, entry.track);
+  if (placed_) {
+    for (const auto& [name, track] : *placed_) take(name, track);
+  }
+  return tracks;
+}
+
+// Erasing works on the multimap even while the names would still determine the order: where entries
+// go after a change of names depends on its shape, which remembers what was taken out, and in which
+// order.
+void CategoryIndex::eraseTracks(std::span<const std::uint32_t> tracks) {
+  placeEntries();
+  IdMap<std::optional<Placed::iterator>> places;
+  for (const std::uint32_t track : tracks) places.enter(track);
+  for (auto entry = placed_->begin(); entry != placed_->end(); ++entry) {
+    if (places.find(entry->second) != nullptr) *places.enter(entry->second).first = entry;
+  }
+  for (const std::uint32_t track : tracks) {
+    if (const auto& place = *places.find(track)) placed_->erase(*place);
+  }
+}
+
+void CategoryIndex::eraseId(std::uint32_t id) {
+  placeEntries();
+  std::erase_if(*placed_, [=, this](const auto& entry) { return names_[entry.first].id == id; });
+}
+
+void CategoryIndex::clear() {
+  placed_.reset();
+  entries_.clear();
+  names_.clear();
+  nameById_.clear();
+  foldedNames_ = std::make_unique<Arena>();
+}
+
+}  // namespace Orvane

@@ -1,0 +1,87 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "inventory/id_map.h"
+#include "tree/arena.h"
+#include "tree/huge_pages.h"
+
+namespace Orvane {
+
+// One of the orders in which the inventory is browsed: entries of a category id (an artist's, say)
+// and a track number, ordered by the names of the ids or by the ids as numbers. Entries that are
+// equal in that order stay in the order in which they came.
+//
+// An id has one name at a time, the one that came with its last entry, and an entry is placed by
+// the names as they stand when it comes: what is in place already stays there when an id gets
+// another name. What that gives is by definition what a std::multimap gives whose comparison looks
+// the names up. As long as no id has changed the place of its name that is a plain stable sort,
+// which is how the order is then found; from the first such change on, a multimap is kept.
+class CategoryIndex {
+ public:
+  enum class Order { kByName, kByNumber };
+
+  explicit CategoryIndex(Order order) : order_(order) {}
+  CategoryIndex(const CategoryIndex&) = delete;
+  CategoryIndex& operator=(const CategoryIndex&) = delete;
+
+  // Gives the id that name, then enters (id, track). The name's bytes must outlive the index, or
+  // the next clear().
+  void insert(std::uint32_t id, std::string_view name, std::uint32_t track);
+
+  // The name of the id, empty if it never had an entry.
+  std::string_view nameOf(std::uint32_t id) const;
+
+  // The track numbers of all entries, in order.
+  std::vector<std::uint32_t> tracksInOrder() const;
+
+  // The track numbers of the id's entries, in order.
+  std::vector<std::uint32_t> tracksOf(std::uint32_t id) const;
+
+  // Take entries out: those of the tracks, one after the other as they are given, and those of the
+  // id. Names stay.
+  void eraseTracks(std::span<const std::uint32_t> tracks);
+  void eraseId(std::uint32_t id);
+
+  // Forgets entries and names.
+  void clear();
+
+ private:
+  struct Name {
+    std::uint32_t id = 0;
+    std::string_view text;
+    std::string_view folded;  // empty when the order is by number
+  };
+
+  struct Entry {
+    std::uint32_t name;  // position in names_
+    std::uint32_t track;
+  };
+
+  // Compares positions in names_ by what the names are at the time of the comparison.
+  struct ByLiveName {
+    const CategoryIndex* index;
+    bool operator()(std::uint32_t a, std::uint32_t b) const { return index->orders(a, b); }
+  };
+  using Placed = std::multimap<std::uint32_t, std::uint32_t, ByLiveName>;
+
+  bool orders(std::uint32_t a, std::uint32_t b) const;
+  std::uint32_t nameFor(std::uint32_t id, std::string_view text);
+  void placeEntries();
+
+  Order order_;
+  std::vector<Name> names_;
+  IdMap<std::uint32_t> nameById_;  // id to position in names_
+  std::unique_ptr<Arena> foldedNames_ = std::make_unique<Arena>();
+
+  // Either all entries as they came, or, once that doesn't determine their order, all in place.
+  std::vector<Entry, LargeAllocator<Entry>> entries_;
+  std::unique_ptr<Placed> placed_;
+};
+
+}  // namespace Orvane

@@ -1,0 +1,71 @@
+#include "inventory/track_index.h"
+
+#include <algorithm>
+
+namespace Orvane {
+
+bool TrackIndex::add(Track& track) {
+  if (has(track.getMediaId())) return false;
+  const auto number = static_cast<Number>(tracksByNumber_.size());
+  tracksByNumber_.push_back(&track);
+  *tracksById_.enter(track.getMediaId()).first = number;
+  track.number_ = number <= kMaxToldNumber ? number & kMaxToldNumber : 0;
+  trackList_.push_back(&track);
+
+  const auto enter = [number](CategoryIndex& category, std::uint32_t id, std::string_view name) {
+    if (id != 0) category.insert(id, name, number);
+  };
+  enter(genres_, track.getGenreId(), track.getGenreName());
+  enter(artists_, track.getArtistId(), track.getArtistName());
+  enter(albums_, track.getAlbumId(), track.getAlbumName());
+  enter(ratings_, track.getRating(), {});
+  return true;
+}
+
+void TrackIndex::remove(std::uint32_t mediaId) {
+  const Number* const found = tracksById_.find(mediaId);
+  if (found != nullptr && *found != kNoTrack) {
+    for (CategoryIndex* category : {&genres_, &artists_, &albums_, &ratings_}) {
+      category->eraseTracks({found, 1});
+    }
+  }
+  static_cast<void>(std::remove_if(trackList_.begin(), trackList_.end(), [=](const Track* track) {
+    return track->getMediaId() == mediaId;
+  }));
+  tracksById_.erase(mediaId);
+}
+
+void TrackIndex::removeCategory(CategoryIndex& category, std::uint32_t id) {
+  const std::vector<Number> numbers = category.tracksOf(id);
+  for (CategoryIndex* other : {&genres_, &artists_, &albums_}) {
+    if (other != &category) other->eraseTracks(numbers);
+  }
+  category.eraseId(id);
+}
+
+const Track* TrackIndex::find(std::uint32_t mediaId) const {
+  const Number* const found = tracksById_.find(mediaId);
+  return found == nullptr || *found == kNoTrack ? nullptr : tracksByNumber_[*found];
+}
+
+const Track* TrackIndex::findOrEnter(std::uint32_t mediaId) {
+  tracksById_.enter(mediaId);
+  return find(mediaId);
+}
+
+void TrackIndex::clear() {
+  // Numbers are never given twice: a track that was in here may still be in somebody's playlist.
+  trackList_.clear();
+  tracksById_.clear();
+  for (CategoryIndex* category : {&genres_, &artists_, &albums_, &ratings_}) category->clear();
+}
+
+std::vector<const Track*> TrackIndex::tracksInOrder(const CategoryIndex& category) const {
+  const std::vector<Number> numbers = category.tracksInOrder();
+  std::vector<const Track*> tracks(numbers.size());
+  std::transform(numbers.begin(), numbers.end(), tracks.begin(),
+                 [this](Number number) { return tracksByNumber_[number]; });
+  return tracks;
+}
+
+}  // namespace Orvane

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "inventory/category_index.h"
+#include "inventory/id_map.h"
+#include "inventory/track.h"
+
+namespace Orvane {
+
+// How the tracks of a TrackManager can be found: in the order of their registration, by media id,
+// and in the orders of the four categories. Only the first track of a media id is in here; the
+// others are owned and nothing else.
+class TrackIndex {
+ public:
+  // A track is told from the others by its number, counted from 1 in the order of entering and
+  // never given again, not even after clear().
+  using Number = std::uint32_t;
+
+  // False, and nothing changes, when the media id is known already. Otherwise the track is in the
+  // list, under its media id, and in each category in which its id, or rating, isn't 0. The track
+  // and its texts must outlive the index, or the next clear().
+  bool add(Track& track);
+
+  // Withdraws a media id; unknown ones are ignored. See getTrackList() for what becomes of the
+  // list.
+  void remove(std::uint32_t mediaId);
+
+  // Takes all entries of a category's id out of that category, and the tracks that had them out of
+  // the other two of artists, albums and genres.
+  void removeCategory(CategoryIndex& category, std::uint32_t id);
+
+  bool has(std::uint32_t mediaId) const { return find(mediaId) != nullptr; }
+
+  // The first track with that media id, or nullptr.
+  const Track* find(std::uint32_t mediaId) const;
+
+  // The track's number, if it is this very track that has it here; otherwise 0.
+  Number numberOf(const Track& track) const {
+    const Number number = track.getNumber();
+    return number < tracksByNumber_.size() && tracksByNumber_[number] == &track ? number : 0;
+  }
+
+  // Like find, but leaves an empty entry under an unknown id, as looking up in a map by subscript
+  // does.
+  const Track* findOrEnter(std::uint32_t mediaId);
+  bool hasEntry(std::uint32_t mediaId) const { return tracksById_.find(mediaId) != nullptr; }
+
+  void clear();
+
+  // In registration order. A removal moves the later tracks up but doesn't shorten the list: its
+  // last place keeps what was there. That is deliberate; what reads the list relies on its length.
+  const std::vector<const Track*>& getTrackList() const { return trackList_; }
+
+  CategoryIndex& getArtists() { return artists_; }
+  CategoryIndex& getAlbums() { return albums_; }
+  CategoryIndex& getGenres() { return genres_; }
+  const CategoryIndex& getArtists() const { return artists_; }
+  const CategoryIndex& getAlbums() const { return albums_; }
+  const CategoryIndex& getGenres() const { return genres_; }
+  const CategoryIndex& getRatings() const { return ratings_; }
+
+  // The tracks of a category's entries in its order, in a list of the caller's own.
+  std::vector<const Track*> tracksInOrder(const CategoryIndex& category) const;
+
+ private:
+  static constexpr Number kNoTrack = 0;
+  static constexpr Number kMaxToldNumber = 0x3FFFFFFF;  // what a track has room for
+
+  std::vector<const Track*> trackList_;
+  std::vector<const Track*> tracksByNumber_ = {nullptr};
+  IdMap<Number> tracksById_;
+  CategoryIndex genres_{CategoryIndex::Order::kByName};
+  CategoryIndex artists_{CategoryIndex::Order::kByName};
+  CategoryIndex albums_{CategoryIndex::Order::kByName};
+  CategoryIndex ratings_{CategoryIndex::Order::kByNumber};
+};
+
+}  // namespace Orvane

@@ -1,0 +1,124 @@
+#include "inventory/track_manager.h"
+
+#include <algorithm>
+#include <new>
+#include <type_traits>
+
+namespace Orvane {
+
+TrackManager::TrackManager() : index_(std::make_unique<TrackIndex>()) {}
+
+TrackManager::~TrackManager() = default;
+
+template <typename Condition>
+void TrackManager::removeFromPlaylists(Condition condition) {
+  for (Playlist* playlist : playlists_) std::erase_if(playlist->getTracks(), condition);
+}
+
+void TrackManager::removeTrack(const Track* track) {
+  removeFromPlaylists([=](const Track* entry) { return entry == track; });
+  index_->remove(track->getMediaId());
+}
+
+void TrackManager::removeTrackById(std::uint32_t mediaId) {
+  if (const Track* const track = index_->findOrEnter(mediaId)) removeTrack(track);
+}
+
+bool TrackManager::containsTrack(const Track& track) const {
+  return hasTrack(track.getMediaId());
+}
+
+bool TrackManager::hasTrack(std::uint32_t mediaId) const {
+  return index_->has(mediaId);
+}
+
+Track* TrackManager::addTrack(std::string_view title, std::uint32_t mediaId,
+                              std::string_view artistName, std::uint32_t artistId,
+                              std::string_view albumName, std::uint32_t albumId,
+                              std::string_view genreName, std::uint32_t genreId,
+                              std::uint32_t rating) {
+  const auto keep = [this](std::string_view name, std::string_view known) {
+    return name == known ? known : ownTracks_.keep(name);
+  };
+  static_assert(std::is_trivially_destructible_v<Track>);
+  Track* const track = new (ownTracks_.allocate(sizeof(Track), alignof(Track))) Track();
+  track->setTitle(ownTracks_.keep(title));
+  track->setMediaId(mediaId);
+  track->setArtistName(keep(artistName, index_->getArtists().nameOf(artistId)));
+  track->setArtistId(artistId);
+  track->setAlbumName(keep(albumName, index_->getAlbums().nameOf(albumId)));
+  track->setAlbumId(albumId);
+  track->setGenreName(keep(genreName, index_->getGenres().nameOf(genreId)));
+  track->setGenreId(genreId);
+  track->setRating(rating);
+  track->isPooled_ = 1;
+  registerTrack(track);
+  return track;
+}
+
+Playlist* TrackManager::addPlaylist(std::string_view name) {
+  return addPlaylist(name, 0);
+}
+
+Playlist* TrackManager::addPlaylist(std::string_view name, std::uint32_t playlistId) {
+  auto playlist = std::make_unique<Playlist>(name, playlistId);
+  Playlist* const added = playlist.get();
+  registerPlaylist(playlist.release());
+  return added;
+}
+
+void TrackManager::removePlaylist(const Playlist* playlist) {
+  std::erase(playlists_, playlist);
+}
+
+void TrackManager::removeCategory(CategoryIndex& category, std::uint32_t id,
+                                  std::uint32_t (Track::*idOf)() const) {
+  index_->removeCategory(category, id);
+  removeFromPlaylists([=](const Track* track) { return (track->*idOf)() == id; });
+}
+
+void TrackManager::removeGenre(std::uint32_t genreId) {
+  removeCategory(index_->getGenres(), genreId, &Track::getGenreId);
+}
+
+void TrackManager::removeArtist(std::uint32_t artistId) {
+  removeCategory(index_->getArtists(), artistId, &Track::getArtistId);
+}
+
+void TrackManager::removeAlbum(std::uint32_t albumId) {
+  removeCategory(index_->getAlbums(), albumId, &Track::getAlbumId);
+}
+
+void TrackManager::clear() {
+  index_->clear();
+  playlists_.clear();
+}
+
+bool TrackManager::registerTrack(Track* track) {
+  const bool isNew = track->isRegistered_ == 0;
+  if (isNew && track->isPooled_ == 0) {
+    std::unique_ptr<Track> owned(track);
+    trackSet_.push_back(std::move(owned));
+  }
+  track->isRegistered_ = 1;
+  index_->add(*track);
+  return isNew;
+}
+
+bool TrackManager::registerPlaylist(Playlist* playlist) {
+  const bool isNew = !playlist->registered_;
+  if (isNew) {
+    std::unique_ptr<Playlist> owned(playlist);
+    playlistSet_.push_back(std::move(owned));
+    playlist->registered_ = true;
+  }
+  playlists_.push_back(playlist);
+  return isNew;
+}
+
+std::size_t TrackManager::countRegisteredTracks(const std::vector<const Track*>& tracks) const {
+  return static_cast<std::size_t>(std::count_if(
+      tracks.begin(), tracks.end(), [this](const Track* track) { return containsTrack(*track); }));
+}
+
+}  // namespace Orvane

@@ -1,0 +1,96 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "inventory/playlist.h"
+#include "inventory/track.h"
+#include "inventory/track_index.h"
+#include "tree/arena.h"
+
+namespace Orvane {
+
+// The listener's inventory in memory: every track and playlist, and the indexes from which the menu
+// categories are derived.
+//
+// Owns whatever is registered with it, also what has been removed or cleared since: pointers handed
+// out stay good until the manager is destroyed. No operation reports an error; unknown ids are
+// ignored.
+class TrackManager {
+ public:
+  TrackManager();
+  TrackManager(const TrackManager&) = delete;
+  TrackManager& operator=(const TrackManager&) = delete;
+  virtual ~TrackManager();
+
+  // Takes the track out of every playlist and withdraws its media id. With a second track of that
+  // id registered, the id is gone all the same.
+  virtual void removeTrack(const Track* track);
+  virtual void removeTrackById(std::uint32_t mediaId);
+
+  virtual bool containsTrack(const Track& track) const;
+  virtual bool hasTrack(std::uint32_t mediaId) const;
+
+  // Make and register a track or a playlist; the texts are copied.
+  virtual Track* addTrack(std::string_view title, std::uint32_t mediaId,
+                          std::string_view artistName, std::uint32_t artistId,
+                          std::string_view albumName, std::uint32_t albumId,
+                          std::string_view genreName, std::uint32_t genreId, std::uint32_t rating);
+  virtual Playlist* addPlaylist(std::string_view name);
+  virtual Playlist* addPlaylist(std::string_view name, std::uint32_t playlistId);
+
+  // Takes every occurrence of it out of the playlists.
+  virtual void removePlaylist(const Playlist* playlist);
+
+  // Withdraw a category's id: its entries from that category, the tracks that had them from the
+  // other two of artists, albums and genres, and every track with that id from every playlist. The
+  // tracks stay in the track list, under their media ids and their ratings.
+  virtual void removeGenre(std::uint32_t genreId);
+  virtual void removeArtist(std::uint32_t artistId);
+  virtual void removeAlbum(std::uint32_t albumId);
+
+  // Forgets all tracks and playlists, but goes on owning them.
+  virtual void clear();
+
+  // Registers what the caller made with `new`, owns it from then on and indexes it as it stands.
+  // The first track of a media id is the one that counts: later ones are owned, but in no index. A
+  // playlist registered twice stands in the list twice. True when it wasn't registered before; a
+  // track or playlist must not be registered with two managers.
+  virtual bool registerTrack(Track* track);
+  virtual bool registerPlaylist(Playlist* playlist);
+
+  // All tracks in registration order, one a media id.
+  auto tracksBegin() const { return index_->getTrackList().begin(); }
+  auto tracksEnd() const { return index_->getTrackList().end(); }
+
+  // All playlists in registration order.
+  auto playlistsBegin() const { return playlists_.begin(); }
+  auto playlistsEnd() const { return playlists_.end(); }
+
+  // The first track registered with that media id, or nullptr.
+  const Track* findTrack(std::uint32_t mediaId) const { return index_->find(mediaId); }
+
+  // How many of the tracks containsTrack() accepts.
+  std::size_t countRegisteredTracks(const std::vector<const Track*>& tracks) const;
+
+  const TrackIndex& getIndex() const { return *index_; }
+
+ private:
+  template <typename Condition>
+  void removeFromPlaylists(Condition condition);
+  void removeCategory(CategoryIndex& category, std::uint32_t id,
+                      std::uint32_t (Track::*idOf)() const);
+
+  std::vector<Playlist*> playlists_;
+  std::unique_ptr<TrackIndex> index_;
+
+  // The owners. Each holds a record once: records remember that they are registered. What addTrack
+  // makes is in the arena, with its texts.
+  Arena ownTracks_;
+  std::vector<std::unique_ptr<Track>> trackSet_;
+  std::vector<std::unique_ptr<Playlist>> playlistSet_;
+};
+
+}  // namespace Orvane

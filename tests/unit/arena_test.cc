@@ -1,0 +1,78 @@
+#include "tree/arena.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <random>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "seeded_random.h"
+
+namespace Orvane::test {
+namespace {
+
+std::string textOf(std::size_t length, std::uint32_t seed) {
+  std::string text(length, '\0');
+  for (std::size_t i = 0; i < length; ++i) text[i] = static_cast<char>(i * 31 + seed);
+  return text;
+}
+
+TEST(Arena, KeepsTextsOfAllLengthsInPlace) {
+  Arena arena;
+  std::vector<std::pair<std::string_view, std::string>> kept;
+  std::mt19937 random = seededRandom(2);
+  for (std::uint32_t i = 0; i < 4000; ++i) {
+    const std::size_t length = i % 97 == 0 ? random() % 100000 : random() % 80;
+    std::string text = textOf(length, i);
+    const std::string_view copy = arena.keep(text);
+    kept.emplace_back(copy, std::move(text));
+  }
+  for (const auto& [copy, text] : kept) ASSERT_TRUE(copy == text) << text.size();
+}
+
+TEST(Arena, KeepsACopy) {
+  Arena arena;
+  std::string text = std::string("zero\0byte", 9);
+  const std::string_view copy = arena.keep(text);
+  text.assign("something else");
+  EXPECT_EQ(copy, std::string_view("zero\0byte", 9));
+}
+
+TEST(Arena, EmptyTextStaysEmpty) {
+  Arena arena;
+  EXPECT_TRUE(arena.keep("").empty());
+  EXPECT_TRUE(arena.keep({}).empty());
+}
+
+TEST(Arena, PiecesAreAlignedAndApart) {
+  Arena arena;
+  struct Piece {
+    std::uintptr_t begin;
+    std::size_t size;
+  };
+  std::vector<Piece> pieces;
+  std::mt19937 random = seededRandom(3);
+  for (int i = 0; i < 3000; ++i) {
+    const std::size_t alignment = std::size_t{1} << random() % 5;
+    const std::size_t size = i % 50 == 0 ? random() % 200000 + 1 : random() % 100 + 1;
+    void* const piece = arena.allocate(size, alignment);
+    const auto begin = reinterpret_cast<std::uintptr_t>(piece);
+    ASSERT_EQ(begin % alignment, 0U);
+    std::memset(piece, i, size);
+    pieces.push_back({begin, size});
+  }
+  std::sort(pieces.begin(), pieces.end(),
+            [](const Piece& a, const Piece& b) { return a.begin < b.begin; });
+  for (std::size_t i = 1; i < pieces.size(); ++i) {
+    ASSERT_LE(pieces[i - 1].begin + pieces[i - 1].size, pieces[i].begin);
+  }
+}
+
+}  // namespace
+}  // namespace Orvane::test

@@ -1,0 +1,217 @@
+#include "inventory/category_index.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "seeded_random.h"
+
+namespace Orvane::test {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+// Names by id, and an order that looks them up each time, letter by letter.
+using Names = std::map<std::uint32_t, std::string>;
+
+struct LiveOrder {
+  const Names* names;
+  bool operator()(std::uint32_t a, std::uint32_t b) const {
+    const std::string& left = names->at(a);
+    const std::string& right = names->at(b);
+    return std::lexicographical_compare(left.begin(), left.end(), right.begin(), right.end(),
+                                        [](char x, char y) { return letter(x) < letter(y); });
+  }
+
+ private:
+  static int letter(char c) {
+    const auto byte = static_cast<signed char>(c);
+    return byte >= 'a' && byte <= 'z' ? byte - 32 : byte;
+  }
+};
+
+// The multimap that defines the order.
+class PlainCategory {
+ public:
+  void insert(std::uint32_t id, const std::string& name, std::uint32_t track) {
+    names_[id] = name;
+    entries_.emplace(id, track);
+  }
+  void eraseTracks(const std::vector<std::uint32_t>& tracks) {
+    // One after the other: the order in which entries go decides what shape is left.
+    for (const std::uint32_t track : tracks) {
+      std::erase_if(entries_, [=](const auto& entry) { return entry.second == track; });
+    }
+  }
+  void eraseId(std::uint32_t id) {
+    std::erase_if(entries_, [=](const auto& entry) { return entry.first == id; });
+  }
+  void clear() {
+    entries_.clear();
+    names_.clear();
+  }
+
+  std::vector<std::uint32_t> tracks() const {
+    std::vector<std::uint32_t> result;
+    for (const auto& [id, track] : entries_) result.push_back(track);
+    return result;
+  }
+  std::vector<std::uint32_t> tracksOf(std::uint32_t id) const {
+    std::vector<std::uint32_t> result;
+    for (const auto& [entryId, track] : entries_) {
+      if (entryId == id) result.push_back(track);
+    }
+    return result;
+  }
+  std::string nameOf(std::uint32_t id) const { return names_.count(id) == 0 ? "" : names_.at(id); }
+
+ private:
+  Names names_;
+  std::multimap<std::uint32_t, std::uint32_t, LiveOrder> entries_{LiveOrder{&names_}};
+};
+
+class CategoryIndexChanges : public ::testing::Test {
+ protected:
+  void insert(std::uint32_t id, const std::string& name) {
+    const std::string& kept = texts_.emplace_back(name);
+    index_.insert(id, kept, nextTrack_);
+    plain_.insert(id, name, nextTrack_);
+    ++nextTrack_;
+  }
+
+  std::uint32_t below(std::size_t limit) { return static_cast<std::uint32_t>(random_() % limit); }
+
+  std::string randomName(std::size_t alphabet) {
+    static const std::array<std::string, 12> kNames{
+        "m", "a", "z", "M", "A", "", "ab", "\xC3\xA9", "aB", "\x80", std::string("a\0", 2), "am"};
+    return kNames.at(below(std::min(alphabet, kNames.size())));
+  }
+
+  void expectSame() {
+    ASSERT_EQ(index_.tracksInOrder(), plain_.tracks());
+    for (std::uint32_t id = 0; id < 12; ++id) {
+      ASSERT_EQ(index_.tracksOf(id), plain_.tracksOf(id)) << id;
+      ASSERT_EQ(index_.nameOf(id), plain_.nameOf(id)) << id;
+    }
+  }
+
+  std::mt19937 random_ = seededRandom(1);
+  CategoryIndex index_{CategoryIndex::Order::kByName};
+  PlainCategory plain_;
+  std::deque<std::string> texts_;
+  std::uint32_t nextTrack_ = 0;
+};
+
+TEST_F(CategoryIndexChanges, OfNamesManyTimesOver) {
+  for (std::uint32_t seed = 0; seed < 800; ++seed) {
+    SCOPED_TRACE(seed);
+    random_.seed(seed);
+    index_.clear();
+    plain_.clear();
+    const std::size_t ids = 1 + below(11);
+    const std::size_t names = 1 + below(12);
+    for (std::uint32_t entries = below(120); entries-- > 0;) insert(below(ids), randomName(names));
+    ASSERT_NO_FATAL_FAILURE(expectSame());
+  }
+}
+
+TEST_F(CategoryIndexChanges, OfNamesAfterSteadyOnes) {
+  for (std::uint32_t seed = 0; seed < 300; ++seed) {
+    SCOPED_TRACE(seed);
+    random_.seed(seed);
+    index_.clear();
+    plain_.clear();
+    for (std::uint32_t entries = below(200); entries-- > 0;) {
+      const std::uint32_t id = below(12);
+      insert(id, std::string(1, static_cast<char>('k' - id % 5)));
+    }
+    ASSERT_NO_FATAL_FAILURE(expectSame());
+    for (std::uint32_t entries = below(30); entries-- > 0;) insert(below(12), randomName(12));
+    ASSERT_NO_FATAL_FAILURE(expectSame());
+  }
+}
+
+TEST_F(CategoryIndexChanges, OfNamesWithRemovalsInBetween) {
+  for (std::uint32_t seed = 0; seed < 800; ++seed) {
+    SCOPED_TRACE(seed);
+    random_.seed(seed);
+    index_.clear();
+    plain_.clear();
+    nextTrack_ = 0;
+    const std::size_t names = 1 + below(12);
+    for (std::uint32_t steps = below(60); steps-- > 0;) {
+      const std::uint32_t step = below(20);
+      if (step == 0) {
+        const std::uint32_t id = below(12);
+        index_.eraseId(id);
+        plain_.eraseId(id);
+      } else if (step < 4) {
+        std::vector<std::uint32_t> tracks;
+        for (std::uint32_t track = 0; track < nextTrack_; ++track) {
+          if (below(8) == 0) tracks.push_back(track);
+        }
+        std::shuffle(tracks.begin(), tracks.end(), random_);
+        index_.eraseTracks(tracks);
+        plain_.eraseTracks(tracks);
+      } else {
+        insert(below(12), randomName(names));
+      }
+    }
+    ASSERT_NO_FATAL_FAILURE(expectSame());
+  }
+}
+
+TEST(CategoryIndex, OfNothingHasNothing) {
+  const CategoryIndex index(CategoryIndex::Order::kByName);
+  EXPECT_THAT(index.tracksInOrder(), IsEmpty());
+  EXPECT_THAT(index.tracksOf(1), IsEmpty());
+  EXPECT_EQ(index.nameOf(1), "");
+}
+
+TEST(CategoryIndex, ErasingLeavesNames) {
+  CategoryIndex index(CategoryIndex::Order::kByName);
+  index.insert(1, "One", 0);
+  index.eraseId(1);
+  EXPECT_THAT(index.tracksInOrder(), IsEmpty());
+  EXPECT_EQ(index.nameOf(1), "One");
+  index.clear();
+  EXPECT_EQ(index.nameOf(1), "");
+}
+
+TEST(CategoryIndex, SameNameInAnotherCaseMovesNothing) {
+  CategoryIndex index(CategoryIndex::Order::kByName);
+  index.insert(1, "beta", 0);
+  index.insert(2, "alpha", 1);
+  index.insert(1, "BETA", 2);
+  EXPECT_THAT(index.tracksInOrder(), ElementsAre(1, 0, 2));
+  EXPECT_EQ(index.nameOf(1), "BETA");
+}
+
+TEST(CategoryIndex, ByNumberTakesNoNotice) {
+  CategoryIndex index(CategoryIndex::Order::kByNumber);
+  index.insert(10, "a", 0);
+  index.insert(9, "z", 1);
+  index.insert(4294967295, "", 2);
+  index.insert(9, "b", 3);
+  index.insert(1, "zz", 4);
+  EXPECT_THAT(index.tracksInOrder(), ElementsAre(4, 1, 3, 0, 2));
+  const std::vector<std::uint32_t> tracks{1, 2};
+  index.eraseTracks(tracks);
+  EXPECT_THAT(index.tracksInOrder(), ElementsAre(4, 3, 0));
+  index.insert(5, "", 5);
+  EXPECT_THAT(index.tracksInOrder(), ElementsAre(4, 5, 3, 0));
+}
+
+}  // namespace
+}  // namespace Orvane::test

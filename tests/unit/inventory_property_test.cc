@@ -1,0 +1,236 @@
+// The manager, the list files' reader, the menu builder, the ordering and both writers on random
+// inventories, against the plain rendering of the same rules.
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <iostream>
+#include <memory>
+#include <random>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "inventory/list_files.h"
+#include "inventory/menu_builder.h"
+#include "output/one_table_writer.h"
+#include "output/two_table_writer.h"
+#include "plain/plain_comparison.h"
+#include "plain/plain_list_files.h"
+#include "plain/plain_writer.h"
+#include "random_inventory.h"
+#include "recording_buffer.h"
+#include "test_support.h"
+
+namespace Orvane::test {
+namespace {
+
+constexpr std::uint32_t kInventories = 2000;
+
+// The trees that follow from a filled manager.
+struct Trees {
+  MenuTree tree;
+  std::unique_ptr<plain::PlainNode> root = plain::plainRoot();
+};
+
+void buildSameTrees(const TrackManager& manager, const plain::PlainInventory& inventory,
+                    Trees& trees) {
+  buildMenuFromInventory(manager, trees.tree);
+  plain::plainBuildMenu(inventory, *trees.root);
+  ASSERT_EQ(plain::differenceOf(*trees.tree.getRoot(), *trees.root), "");
+
+  MenuTree::sortTree(trees.tree.getRoot());
+  plain::plainSortTree(*trees.root);
+  ASSERT_EQ(plain::differenceOf(*trees.tree.getRoot(), *trees.root), "");
+}
+
+// The files, too; the plain one takes time that grows with the square of the inventory.
+void expectSameMenus(const TrackManager& manager, const plain::PlainInventory& inventory) {
+  Trees trees;
+  ASSERT_NO_FATAL_FAILURE(buildSameTrees(manager, inventory, trees));
+  const auto& [tree, root] = trees;
+
+  RecordingBuffer twoTables;
+  writeTwoTable(tree, twoTables);
+  ASSERT_TRUE(twoTables.content == plain::plainTwoTableFile(*root)) << "two-table bytes";
+  RecordingBuffer oneTable;
+  writeOneTable(tree, oneTable);
+  ASSERT_TRUE(oneTable.content == plain::plainOneTableFile(*root)) << "one-table bytes";
+}
+
+// A manager and a plain inventory that get the same calls.
+class Both {
+ public:
+  void addTrack(const plain::PlainTrack& track) {
+    tracks_.emplace_back(manager.addTrack(track.title, track.mediaId, track.artistName,
+                                          track.artistId, track.albumName, track.albumId,
+                                          track.genreName, track.genreId, track.rating),
+                         inventory.addTrack(track));
+  }
+  void addPlaylist(const std::string& name, std::uint32_t playlistId) {
+    playlists_.emplace_back(manager.addPlaylist(name, playlistId),
+                            inventory.addPlaylist(name, playlistId));
+  }
+  void addEntry(std::size_t playlist, std::size_t track) {
+    if (playlists_.empty() || tracks_.empty()) return;
+    const auto& [mine, plain] = playlists_[playlist % playlists_.size()];
+    mine->getTracks().push_back(tracks_[track % tracks_.size()].first);
+    plain->tracks.push_back(tracks_[track % tracks_.size()].second);
+  }
+  void removeTrack(std::size_t track) {
+    if (tracks_.empty()) return;
+    manager.removeTrack(tracks_[track % tracks_.size()].first);
+    inventory.removeTrack(tracks_[track % tracks_.size()].second);
+  }
+  void removePlaylist(std::size_t playlist) {
+    if (playlists_.empty()) return;
+    manager.removePlaylist(playlists_[playlist % playlists_.size()].first);
+    inventory.removePlaylist(playlists_[playlist % playlists_.size()].second);
+  }
+
+  TrackManager manager;
+  plain::PlainInventory inventory;
+
+ private:
+  std::vector<std::pair<Track*, const plain::PlainTrack*>> tracks_;
+  std::vector<std::pair<Playlist*, plain::PlainPlaylist*>> playlists_;
+};
+
+void fill(RandomInventory& random, Both& both) {
+  for (std::size_t tracks = random.below(40); tracks-- > 0;) both.addTrack(random.track());
+  for (std::size_t playlists = random.below(5); playlists-- > 0;) {
+    both.addPlaylist(random.name(), random.id());
+  }
+  for (std::size_t entries = random.below(12); entries-- > 0;) {
+    both.addEntry(random.below(100), random.below(100));
+  }
+}
+
+void remove(RandomInventory& random, Both& both) {
+  const std::uint32_t id = random.id();
+  switch (random.below(7)) {
+    case 0: {
+      const std::uint32_t mediaId = random.mediaId();
+      both.manager.removeTrackById(mediaId);
+      both.inventory.removeTrackById(mediaId);
+      return;
+    }
+    case 1:
+      both.removeTrack(random.below(100));
+      return;
+    case 2:
+      both.manager.removeArtist(id);
+      both.inventory.removeArtist(id);
+      return;
+    case 3:
+      both.manager.removeAlbum(id);
+      both.inventory.removeAlbum(id);
+      return;
+    case 4:
+      both.manager.removeGenre(id);
+      both.inventory.removeGenre(id);
+      return;
+    case 5:
+      both.removePlaylist(random.below(100));
+      return;
+    default:
+      if (!random.oneIn(6)) return;
+      both.manager.clear();
+      both.inventory.clear();
+  }
+}
+
+// Each line of `text` must begin with its place.
+void expectPlaces(const std::string& text, const std::vector<std::string>& places) {
+  std::istringstream lines(text);
+  std::string line;
+  std::size_t count = 0;
+  for (; std::getline(lines, line); ++count) {
+    ASSERT_LT(count, places.size()) << text;
+    ASSERT_EQ(line.substr(0, places[count].size()), places[count]);
+  }
+  ASSERT_EQ(count, places.size()) << text;
+}
+
+TEST(InventoryProperty, FilledThroughTheManager) {
+  for (std::uint32_t seed = 0; seed < kInventories; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    RandomInventory random(seed);
+    Both both;
+    fill(random, both);
+    ASSERT_EQ(plain::differenceOf(both.manager, both.inventory), "");
+    ASSERT_NO_FATAL_FAILURE(expectSameMenus(both.manager, both.inventory));
+  }
+}
+
+TEST(InventoryProperty, FilledAgainAfterRemovals) {
+  for (std::uint32_t seed = 0; seed < kInventories; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    RandomInventory random(seed);
+    Both both;
+    for (std::size_t rounds = 1 + random.below(6); rounds-- > 0;) {
+      fill(random, both);
+      for (std::size_t removals = random.below(6); removals-- > 0;) {
+        remove(random, both);
+        ASSERT_EQ(plain::differenceOf(both.manager, both.inventory), "");
+      }
+    }
+    ASSERT_NO_FATAL_FAILURE(expectSameMenus(both.manager, both.inventory));
+  }
+}
+
+TEST(InventoryProperty, ReadFromListFiles) {
+  const TempDir dir;
+  const std::string tracksPath = dir / "tracks.txt";
+  const std::string playlistsPath = dir / "playlists.txt";
+  for (std::uint32_t seed = 0; seed < kInventories; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    RandomInventory random(seed);
+    writeFile(tracksPath, random.tracksFile());
+    writeFile(playlistsPath, random.playlistsFile());
+    const std::string tracks = random.oneIn(20) ? dir / "missing" : tracksPath;
+    const std::string playlists = random.oneIn(20) ? dir / "" : playlistsPath;
+    const bool withPlaylistIds = !random.oneIn(4);
+
+    TrackManager manager;
+    const CapturedStream output(std::cout);
+    const CapturedStream complaints(std::cerr);
+    readInventoryFiles(manager, tracks.c_str(), playlists.c_str(), withPlaylistIds);
+    plain::PlainInventory inventory;
+    const plain::PlainReading reading =
+        plain::plainReadListFiles(inventory, tracks, playlists, withPlaylistIds);
+
+    ASSERT_EQ(output.text(), reading.output);
+    ASSERT_NO_FATAL_FAILURE(expectPlaces(complaints.text(), reading.complaints));
+    ASSERT_EQ(plain::differenceOf(manager, inventory), "");
+    ASSERT_NO_FATAL_FAILURE(expectSameMenus(manager, inventory));
+  }
+}
+
+// Long lists are sorted another way than short ones.
+TEST(InventoryProperty, LongListsOfEqualAndOfDifferentTitles) {
+  for (const std::uint32_t titles : {1U, 7U, 3000U, 1000000U}) {
+    SCOPED_TRACE(std::to_string(titles) + " titles");
+    std::mt19937 random(titles);
+    Both both;
+    for (std::uint32_t i = 0; i < 6000; ++i) {
+      plain::PlainTrack track;
+      track.mediaId = i;
+      track.title = "a title of some length " + std::to_string(random() % titles);
+      track.artistId = 1 + random() % 2;
+      track.artistName = "Singer";
+      track.albumId = 1;
+      track.albumName = "Record";
+      track.genreId = static_cast<std::uint32_t>(1 + random() % 9);
+      track.genreName = "Style";
+      both.addTrack(track);
+    }
+    Trees trees;
+    ASSERT_NO_FATAL_FAILURE(buildSameTrees(both.manager, both.inventory, trees));
+  }
+}
+
+}  // namespace
+}  // namespace Orvane::test

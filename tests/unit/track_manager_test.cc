@@ -1,0 +1,206 @@
+#include "inventory/track_manager.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <memory>
+#include <sstream>
+#include <string>
+
+#include "track_lists.h"
+
+namespace Orvane::test {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+TEST(TrackManager, StartsEmpty) {
+  const TrackManager manager;
+  EXPECT_FALSE(manager.hasTrack(0));
+  EXPECT_EQ(manager.findTrack(0), nullptr);
+  EXPECT_THAT(trackList(manager), IsEmpty());
+  EXPECT_THAT(playlistNames(manager), IsEmpty());
+  EXPECT_THAT(artists(manager), IsEmpty());
+  EXPECT_THAT(ratings(manager), IsEmpty());
+}
+
+TEST(TrackManager, AddTrackKeepsEachFieldAndCopiesTexts) {
+  TrackManager manager;
+  std::string title = "Title";
+  std::string artist = "Artist";
+  std::string album = "Album";
+  std::string genre = "Genre";
+  const Track* const track = manager.addTrack(title, 1, artist, 2, album, 3, genre, 4, 5);
+  for (std::string* const text : {&title, &artist, &album, &genre}) text->assign("overwritten");
+
+  EXPECT_EQ(track->getTitle(), "Title");
+  EXPECT_EQ(track->getMediaId(), 1U);
+  EXPECT_EQ(track->getArtistName(), "Artist");
+  EXPECT_EQ(track->getArtistId(), 2U);
+  EXPECT_EQ(track->getAlbumName(), "Album");
+  EXPECT_EQ(track->getAlbumId(), 3U);
+  EXPECT_EQ(track->getGenreName(), "Genre");
+  EXPECT_EQ(track->getGenreId(), 4U);
+  EXPECT_EQ(track->getRating(), 5U);
+  EXPECT_EQ(manager.findTrack(1), track);
+}
+
+TEST(TrackManager, FirstTrackOfAMediaIdCounts) {
+  TrackManager manager;
+  const Track* const first = addSong(manager, 7, "First", 1, "Abel", 2);
+  const Track* const second = addSong(manager, 7, "Second", 2, "Bea", 3);
+  addSong(manager, 8, "Other", 1, "Abel");
+
+  EXPECT_NE(first, second);
+  EXPECT_TRUE(manager.hasTrack(7));
+  EXPECT_EQ(manager.findTrack(7), first);
+  EXPECT_THAT(trackList(manager), ElementsAre(7, 8));
+  EXPECT_THAT(artists(manager), ElementsAre(7, 8));
+  EXPECT_THAT(albums(manager), ElementsAre(7, 8));
+  EXPECT_THAT(genres(manager), ElementsAre(7, 8));
+  EXPECT_THAT(ratings(manager), ElementsAre(7));
+  EXPECT_EQ(manager.getIndex().getArtists().nameOf(2), "");
+  EXPECT_EQ(second->getTitle(), "Second");
+}
+
+TEST(TrackManager, IdOrRatingZeroIsInNoCategory) {
+  TrackManager manager;
+  manager.addTrack("no artist", 1, "Name", 0, "Name", 9, "Name", 9, 1);
+  manager.addTrack("no album", 2, "Name", 9, "Name", 0, "Name", 9, 1);
+  manager.addTrack("no genre", 3, "Name", 9, "Name", 9, "Name", 0, 1);
+  manager.addTrack("no rating", 4, "Name", 9, "Name", 9, "Name", 9, 0);
+  EXPECT_THAT(artists(manager), ElementsAre(2, 3, 4));
+  EXPECT_THAT(albums(manager), ElementsAre(1, 3, 4));
+  EXPECT_THAT(genres(manager), ElementsAre(1, 2, 4));
+  EXPECT_THAT(ratings(manager), ElementsAre(1, 2, 3));
+}
+
+TEST(TrackManager, OrdersByNameRegardlessOfCase) {
+  TrackManager manager;
+  addSong(manager, 1, "1", 10, "bear");
+  addSong(manager, 2, "2", 20, "Ape");
+  addSong(manager, 3, "3", 30, "BEAR");
+  addSong(manager, 4, "4", 10, "bear");
+  addSong(manager, 5, "5", 40, "Be");
+  EXPECT_THAT(artists(manager), ElementsAre(2, 5, 1, 3, 4));
+  EXPECT_THAT(albums(manager), ElementsAre(2, 5, 1, 3, 4));
+  EXPECT_THAT(genres(manager), ElementsAre(2, 5, 1, 3, 4));
+}
+
+TEST(TrackManager, BytesAbove127ComeFirst) {
+  TrackManager manager;
+  addSong(manager, 1, "1", 1, "A");
+  addSong(manager, 2, "2", 2, "\xFF");
+  addSong(manager, 3, "3", 3, "\x80");
+  addSong(manager, 4, "4", 4, std::string(1, '\0'));
+  addSong(manager, 5, "5", 5, "");
+  EXPECT_THAT(artists(manager), ElementsAre(5, 3, 2, 4, 1));
+}
+
+TEST(TrackManager, OrdersRatingsAsUnsignedNumbers) {
+  TrackManager manager;
+  addSong(manager, 1, "1", 0, "", 4294967295);
+  addSong(manager, 2, "2", 0, "", 10);
+  addSong(manager, 3, "3", 0, "", 9);
+  addSong(manager, 4, "4", 0, "", 10);
+  EXPECT_THAT(ratings(manager), ElementsAre(3, 2, 4, 1));
+}
+
+TEST(TrackManager, NewNameOfAnIdPlacesOnlyLaterEntries) {
+  TrackManager manager;
+  addSong(manager, 1, "1", 1, "Mo");
+  addSong(manager, 2, "2", 2, "Bo");
+  addSong(manager, 3, "3", 1, "Al");
+  EXPECT_EQ(manager.getIndex().getArtists().nameOf(1), "Al");
+  EXPECT_THAT(artists(manager), ElementsAre(2, 1, 3));
+}
+
+TEST(TrackManager, ContainsTrackGoesByMediaId) {
+  TrackManager manager;
+  const Track* const track = addSong(manager, 5, "5");
+  Track other;
+  other.setMediaId(5);
+  Track unknown;
+  unknown.setMediaId(6);
+  EXPECT_TRUE(manager.containsTrack(other));
+  EXPECT_FALSE(manager.containsTrack(unknown));
+  EXPECT_EQ(manager.countRegisteredTracks({track, &other, &unknown, track}), 3U);
+  EXPECT_EQ(manager.countRegisteredTracks({}), 0U);
+}
+
+TEST(TrackManager, PlaylistsHaveTheirIdOrZero) {
+  TrackManager manager;
+  const Playlist* const plain = manager.addPlaylist("Plain");
+  const Playlist* const numbered = manager.addPlaylist("Numbered", 4294967295);
+  EXPECT_EQ(plain->getPlaylistId(), 0U);
+  EXPECT_EQ(numbered->getPlaylistId(), 4294967295U);
+  EXPECT_THAT(playlistNames(manager), ElementsAre("Plain", "Numbered"));
+}
+
+TEST(TrackManager, RegisteringTwiceIsTold) {
+  TrackManager manager;
+  auto track = std::make_unique<Track>();
+  track->setMediaId(3);
+  Track* const registered = track.release();
+  EXPECT_TRUE(manager.registerTrack(registered));
+  EXPECT_FALSE(manager.registerTrack(registered));
+  EXPECT_THAT(trackList(manager), ElementsAre(3));
+
+  Playlist* const playlist = std::make_unique<Playlist>("Twice", 1).release();
+  EXPECT_TRUE(manager.registerPlaylist(playlist));
+  EXPECT_FALSE(manager.registerPlaylist(playlist));
+  EXPECT_THAT(playlistNames(manager), ElementsAre("Twice", "Twice"));
+  manager.removePlaylist(playlist);
+  EXPECT_THAT(playlistNames(manager), IsEmpty());
+}
+
+TEST(TrackManager, SecondTrackOfAnIdIsNewAllTheSame) {
+  TrackManager manager;
+  addSong(manager, 3, "first");
+  auto track = std::make_unique<Track>();
+  track->setMediaId(3);
+  EXPECT_TRUE(manager.registerTrack(track.release()));
+  EXPECT_THAT(trackList(manager), ElementsAre(3));
+}
+
+// What a derived manager watches for.
+class WatchingManager : public TrackManager {
+ public:
+  bool registerTrack(Track* track) override {
+    ++tracks;
+    return TrackManager::registerTrack(track);
+  }
+  bool registerPlaylist(Playlist* playlist) override {
+    ++playlists;
+    return TrackManager::registerPlaylist(playlist);
+  }
+
+  int tracks = 0;
+  int playlists = 0;
+};
+
+TEST(TrackManager, AddingGoesThroughRegistering) {
+  WatchingManager manager;
+  addSong(manager, 1, "1");
+  addSong(manager, 1, "again");
+  EXPECT_EQ(manager.tracks, 2);
+  manager.addPlaylist("a");
+  manager.addPlaylist("b", 1);
+  EXPECT_EQ(manager.playlists, 2);
+}
+
+TEST(Track, IsStreamedAsTitleArtistAndAlbum) {
+  Track track;
+  track.setTitle("Song");
+  track.setArtistName("Singer");
+  track.setAlbumName("Record");
+  track.setGenreName("Unseen");
+  std::ostringstream out;
+  out << track;
+  EXPECT_EQ(out.str(), "Song | Singer | Record");
+}
+
+}  // namespace
+}  // namespace Orvane::test
