@@ -1,0 +1,134 @@
+#include "reader/tree_walk.h"
+
+#include <algorithm>
+
+namespace Orvane {
+
+TreeWalk::TreeWalk(const InventoryView& view, WalkOrder order, std::uint32_t start)
+    : view_(view),
+      order_(view.layout() == Layout::kTwoTable ? order : WalkOrder::kMenu),
+      start_(start),
+      parents_(view.recordCount(), kNoRecord),
+      onPath_(view.recordCount() / 64 + 1, 0) {}
+
+TreeWalk::Event TreeWalk::next() {
+  if (visit_.record == kNoRecord) {
+    if (start_ >= parents_.size() || parents_[start_] == kStart) return Event::kEnd;
+    parents_[start_] = kStart;
+    enter(start_);
+    return Event::kEnter;
+  }
+  const std::uint32_t record = visit_.record;
+  if (!leaving_ && descend_) {
+    flipOnPath(record);
+    ++depth_;
+    if (moveTo(visit_.links.firstChildIndex, record)) return Event::kEnter;
+  } else {
+    const std::uint32_t parent = parents_[record];
+    if (parent == kStart) {
+      visit_ = Visit{};
+      return Event::kEnd;
+    }
+    const bool wasDeferred =
+        !deferred_.empty() && deferred_.back().entered && deferred_.back().record == record;
+    if (wasDeferred) {
+      deferred_.pop_back();
+    } else if (moveTo(record + 1, parent)) {
+      return Event::kEnter;
+    }
+    visit_ = Visit{};
+    visit_.record = parent;
+  }
+  // All children of visit_.record are done.
+  flipOnPath(visit_.record);
+  visit_.depth = --depth_;
+  leaving_ = true;
+  return Event::kLeave;
+}
+
+// Enters the first of `parent`'s children from `sibling` on that is due. In storage order that
+// leaves the deferred one for the end.
+bool TreeWalk::moveTo(std::uint32_t sibling, std::uint32_t parent) {
+  const bool mayDefer =
+      !deferred_.empty() && deferred_.back().parent == parent && !deferred_.back().entered;
+  if (mayDefer && sibling == deferred_.back().record) ++sibling;
+  if (sibling < parents_.size() && parents_[sibling] == parent) {
+    enter(sibling);
+    return true;
+  }
+  if (!mayDefer) return false;
+  deferred_.back().entered = true;
+  enter(deferred_.back().record);
+  return true;
+}
+
+void TreeWalk::enter(std::uint32_t record) {
+  leaving_ = false;
+  visit_ = Visit{};
+  visit_.record = record;
+  visit_.depth = depth_;
+  visit_.links = view_.links(record);
+  if (visit_.links.isLeaf() || visit_.links.childCount == 0) {
+    descend_ = false;
+    return;
+  }
+  claimChildren(visit_);
+  descend_ = visit_.used != 0;
+  if (order_ == WalkOrder::kStorage && descend_) noteDeferred(visit_);
+}
+
+void TreeWalk::claimChildren(Visit& visit) {
+  const std::uint32_t first = visit.links.firstChildIndex;
+  if (first == 0 && hasLaterPlaylists(visit.record)) {
+    visit.displaced = true;
+    return;
+  }
+  const std::uint64_t end = std::uint64_t{first} + visit.links.childCount;
+  std::uint64_t usableEnd = end;
+  if (end > parents_.size()) {
+    visit.outOfRange = true;
+    // A cut-off file still has the first children of a range that was right. A range beyond the
+    // stated count was never right, and would only take other menus' children.
+    usableEnd = end <= view_.statedCount(0) ? parents_.size() : 0;
+  }
+  for (std::uint64_t i = first; i < usableEnd; ++i) {
+    const auto child = static_cast<std::uint32_t>(i);
+    std::uint32_t& parent = parents_[child];
+    if (parent != kNoRecord) {
+      const bool cycle = child == visit.record || isOnPath(child) || parent == kStart;
+      visit.conflictRecord = child;
+      if (cycle) {
+        visit.conflict = Conflict::kCycle;
+      } else {
+        visit.conflict = visit.used == 0 && view_.links(parent).firstChildIndex == first
+                             ? Conflict::kShared
+                             : Conflict::kOverlap;
+      }
+      return;
+    }
+    parent = visit.record;
+    ++visit.used;
+  }
+}
+
+// Siblings are looked at only up to the next such menu, so a whole family costs one pass.
+bool TreeWalk::hasLaterPlaylists(std::uint32_t record) const {
+  if (view_.layout() != Layout::kTwoTable || !view_.isPlaylistsMenu(record)) return false;
+  const std::uint32_t parent = parents_[record];
+  for (std::size_t i = std::size_t{record} + 1; i < parents_.size() && parents_[i] == parent; ++i) {
+    if (view_.isPlaylistsMenu(static_cast<std::uint32_t>(i))) return true;
+  }
+  return false;
+}
+
+void TreeWalk::noteDeferred(const Visit& visit) {
+  for (std::uint32_t i = visit.used; i-- > 0;) {
+    const std::uint32_t child = visit.links.firstChildIndex + i;
+    if (!view_.isPlaylistsMenu(child)) continue;
+    // Only a menu that stands before others is moved by this; the last child comes last anyway.
+    if (i + 1 < visit.used) deferred_.push_back({visit.record, child, false});
+    return;
+  }
+}
+
+}  // namespace Orvane

@@ -1,0 +1,128 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "inventory_image.h"
+#include "reader/mapped_file.h"
+
+namespace Orvane {
+namespace {
+
+// A fresh folder that goes away with its files.
+class Folder {
+ public:
+  Folder() : path_(testing::TempDir() + "mapped.XXXXXX") {
+    EXPECT_NE(::mkdtemp(path_.data()), nullptr);
+  }
+  Folder(const Folder&) = delete;
+  Folder& operator=(const Folder&) = delete;
+  ~Folder() {
+    ::unlink(file().c_str());
+    ::rmdir(path_.c_str());
+  }
+  std::string file() const { return path_ + "/file"; }
+  const std::string& path() const { return path_; }
+
+ private:
+  std::string path_;
+};
+
+std::string textOf(const MappedFile& file) {
+  return {file.bytes().begin(), file.bytes().end()};
+}
+
+TEST(MappedFile, HoldsTheBytesOfAFile) {
+  const Folder folder;
+  std::ofstream(folder.file()) << "some bytes";
+  std::string error;
+  auto file = MappedFile::open(folder.file(), error);
+  ASSERT_TRUE(file.has_value()) << error;
+  EXPECT_EQ(textOf(*file), "some bytes");
+  const MappedFile moved = *std::move(file);
+  EXPECT_EQ(textOf(moved), "some bytes");
+}
+
+TEST(MappedFile, TakesAnEmptyFile) {
+  const Folder folder;
+  std::ofstream(folder.file()).flush();
+  std::string error;
+  const auto file = MappedFile::open(folder.file(), error);
+  ASSERT_TRUE(file.has_value()) << error;
+  EXPECT_TRUE(file->bytes().empty());
+}
+
+TEST(MappedFile, SaysWhyItCannotBeRead) {
+  const Folder folder;
+  std::string error;
+  EXPECT_FALSE(MappedFile::open(folder.file(), error).has_value());
+  EXPECT_EQ(error, "No such file or directory");
+  EXPECT_FALSE(MappedFile::open(folder.path(), error).has_value());
+  EXPECT_EQ(error, "Is a directory");
+}
+
+// Sends `bytes` into a named pipe while it is being read.
+std::string throughPipe(const std::string& bytes, std::size_t& taken) {
+  const Folder folder;
+  EXPECT_EQ(::mkfifo(folder.file().c_str(), 0600), 0);
+  static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
+  std::thread writer([&] {
+    const int fd = ::open(folder.file().c_str(), O_WRONLY);
+    taken = 0;
+    while (taken < bytes.size()) {
+      const ssize_t written = ::write(fd, bytes.data() + taken, bytes.size() - taken);
+      if (written <= 0) break;
+      taken += static_cast<std::size_t>(written);
+    }
+    ::close(fd);
+  });
+  std::string error;
+  const auto file = MappedFile::open(folder.file(), error);
+  writer.join();
+  static_cast<void>(std::signal(SIGPIPE, SIG_DFL));
+  EXPECT_TRUE(file.has_value()) << error;
+  return file ? textOf(*file) : std::string();
+}
+
+TEST(MappedFile, ReadsAPipeToItsEnd) {
+  const InventoryImage image(Layout::kOneTable, menu("R", std::vector<Sketch>(5000, menu("A"))));
+  const std::string bytes(image.bytes().begin(), image.bytes().end());
+  std::size_t taken = 0;
+  EXPECT_TRUE(throughPipe(bytes, taken) == bytes);
+  EXPECT_TRUE(throughPipe(bytes + "more", taken) == bytes + "more");
+  EXPECT_EQ(throughPipe("", taken), "");
+  EXPECT_EQ(throughPipe("short", taken), "short");
+}
+
+TEST(MappedFile, ReadsLittleOfAPipeThatIsNoInventory) {
+  const std::string text(1000000, 'x');
+  std::size_t taken = 0;
+  EXPECT_EQ(throughPipe(text, taken), text.substr(0, 48));
+  EXPECT_LT(taken, text.size());
+}
+
+TEST(MappedFile, ReadsLittleMoreThanThePipeAnnounces) {
+  const InventoryImage image(Layout::kTwoTable, sampleTree());
+  const std::string bytes(image.bytes().begin(), image.bytes().end());
+  std::size_t taken = 0;
+  const std::string read = throughPipe(bytes + std::string(1000000, 'x'), taken);
+  EXPECT_GT(read.size(), bytes.size());
+  EXPECT_LT(read.size(), bytes.size() + 100000);
+}
+
+TEST(MappedFile, AnEndlessDeviceIsNoInventory) {
+  std::string error;
+  const auto file = MappedFile::open("/dev/zero", error);
+  ASSERT_TRUE(file.has_value()) << error;
+  EXPECT_EQ(file->bytes().size(), 48U);
+}
+
+}  // namespace
+}  // namespace Orvane

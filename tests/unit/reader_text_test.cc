@@ -1,0 +1,103 @@
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "inventory_image.h"
+#include "reader/menu_path.h"
+#include "reader/text_escape.h"
+#include "reader/tree_walk.h"
+#include "reader/utf8.h"
+
+namespace Orvane {
+namespace {
+
+TEST(Utf8, TakesOneCharacterAtATime) {
+  EXPECT_EQ(firstUtf8Char("Ab").codePoint, 0x41U);
+  EXPECT_EQ(firstUtf8Char("\xC3\xA9x").codePoint, 0xE9U);
+  EXPECT_EQ(firstUtf8Char("\xC3\xA9x").length, 2);
+  EXPECT_EQ(firstUtf8Char("\xE2\x82\xAC").codePoint, 0x20ACU);
+  EXPECT_EQ(firstUtf8Char("\xF0\x9F\x8E\xB5").codePoint, 0x1F3B5U);
+  EXPECT_FALSE(firstUtf8Char("\xC3").valid);
+  EXPECT_FALSE(firstUtf8Char("\xC3(").valid);
+  EXPECT_EQ(firstUtf8Char("\xC3(").length, 1);
+}
+
+TEST(Utf8, CountsTheValidBytes) {
+  EXPECT_EQ(validUtf8Prefix(""), 0U);
+  EXPECT_EQ(validUtf8Prefix("plain"), 5U);
+  EXPECT_EQ(validUtf8Prefix("\xC3\xA9\xFFz"), 2U);
+  EXPECT_TRUE(isUtf8("\xEF\xBF\xBD"));
+  EXPECT_FALSE(isUtf8("a\xED\xBF\xBF"));
+}
+
+TEST(TextEscape, LeavesPrintableTextAlone) {
+  EXPECT_EQ(escaped("Caf\xC3\xA9 \xF0\x9F\x8E\xB5 ~"), "Caf\xC3\xA9 \xF0\x9F\x8E\xB5 ~");
+}
+
+TEST(TextEscape, ShowsWhatIsNotPrintable) {
+  EXPECT_EQ(escaped("a\nb\rc\td"), "a\\nb\\rc\\td");
+  EXPECT_EQ(escaped(std::string_view("\0\x1B\x7F", 3)), "\\x00\\x1B\\x7F");
+  EXPECT_EQ(escaped("\xC2\x9B"
+                    "31m"),
+            "\\xC2\\x9B31m");
+  EXPECT_EQ(escaped("\xE2\x80\xAE"), "\\xE2\\x80\\xAE");
+  EXPECT_EQ(escaped("\xFFz"), "\\xFFz");
+  EXPECT_EQ(escaped("\\"), "\\\\");
+  EXPECT_EQ(escaped("a\"b/c", "\""), "a\\\"b/c");
+}
+
+TEST(TextEscape, ComesBack) {
+  std::string all;
+  for (int i = 0; i < 256; ++i) all += static_cast<char>(i);
+  EXPECT_EQ(unescaped(escaped(all)), all);
+  EXPECT_EQ(unescaped(escaped(all, "/\"")), all);
+  for (const char* bad : {"\\", "a\\", "\\x", "\\x4", "\\x4g", "\\q"}) {
+    EXPECT_EQ(unescaped(bad), std::nullopt) << bad;
+  }
+  EXPECT_EQ(unescaped("\\x41\\x6a\\x6A"), "Ajj");
+}
+
+TEST(SplitPath, TakesNamesApart) {
+  using Names = std::vector<std::string>;
+  EXPECT_EQ(splitPath(""), Names{});
+  EXPECT_EQ(splitPath("/"), Names{});
+  EXPECT_EQ(splitPath("Artists"), Names{"Artists"});
+  EXPECT_EQ(splitPath("/Artists//AC\\/DC/"), (Names{"Artists", "AC/DC"}));
+  EXPECT_EQ(splitPath("a\\\\/b"), (Names{"a\\", "b"}));
+  EXPECT_EQ(splitPath("a/b\\"), std::nullopt);
+  EXPECT_EQ(splitPath("a\\q/b"), std::nullopt);
+}
+
+std::vector<std::string> pathsIn(const InventoryImage& image) {
+  const InventoryView view = viewOf(image);
+  TreeWalk walk(view);
+  while (walk.next() != TreeWalk::Event::kEnd) {
+  }
+  const MenuPath path(view, walk.parents());
+  std::vector<std::string> paths;
+  for (std::uint32_t i = 0; i <= view.recordCount(); ++i) paths.push_back(path.of(i));
+  return paths;
+}
+
+TEST(MenuPath, NamesTheWayDown) {
+  const InventoryImage image(Layout::kOneTable,
+                             menu("Home", {menu("A/B", {media("x\ny", 1)}), menu("C\\")}));
+  EXPECT_EQ(pathsIn(image),
+            (std::vector<std::string>{"/", "/A\\/B", "/C\\\\", "/A\\/B/x\\ny", "?"}));
+}
+
+TEST(MenuPath, KeepsTheEndOfALongWay) {
+  Sketch tree = menu("last");
+  for (int i = 0; i < 70; ++i) tree = menu(std::string("n").append(std::to_string(i)), {tree});
+  const InventoryImage image(Layout::kTwoTable, tree);
+  const std::vector<std::string> paths = pathsIn(image);
+  EXPECT_EQ(paths[64].substr(0, 9), "/n68/n67/");
+  EXPECT_EQ(paths[65].substr(0, 9), "/.../n67/");
+  EXPECT_EQ(paths[70].substr(0, 9), "/.../n62/");
+  EXPECT_EQ(paths[70].substr(paths[70].size() - 8), "/n0/last");
+}
+
+}  // namespace
+}  // namespace Orvane
