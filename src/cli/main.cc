@@ -1,0 +1,12 @@
+#include "cli/options.h"
+#include "cli/run.h"
+#include "cli/terminate_handler.h"
+
+int main(int argc, char** argv) {
+  Orvane::Options options;
+  Orvane::parseOptions(argc, argv, options);
+  Orvane::requireFiles(options);
+  Orvane::reportUncaughtErrors(options.outputFile);
+  Orvane::run(options);
+  return 0;
+}
