@@ -1,8 +1,8 @@
 // Feeds arbitrary bytes to every verb of the companion program.
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
+#include <iostream>
 #include <string>
 
 #include "all_verbs.h"
@@ -10,7 +10,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string contradictions = Orvane::contradictionsIn({data, size});
   if (!contradictions.empty()) {
-    std::fprintf(stderr, "%s\n", contradictions.c_str());
+    std::cerr << contradictions << std::endl;
     std::abort();
   }
   return 0;
