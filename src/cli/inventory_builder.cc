@@ -1,7 +1,7 @@
 #include "cli/inventory_builder.h"
 
+#include "cli/xml_module.h"
 #include "inventory/menu_builder.h"
-#include "inventory/xml_reader.h"
 #include "output/one_table_writer.h"
 #include "output/two_table_writer.h"
 
@@ -12,7 +12,7 @@ void InventoryBuilder::buildMenuFromInventory(const TrackManager& manager, MenuT
 }
 
 void InventoryBuilder::buildTreeFromXml(const char* xmlFile, MenuTree& tree) const {
-  Orvane::buildTreeFromXml(xmlFile, tree);
+  loadXmlReader()(xmlFile, tree);
 }
 
 bool InventoryBuilder::writeOneTable(const MenuTree& tree, Buffer& buffer) const {

@@ -8,6 +8,7 @@ namespace Orvane {
 
 // The one place from which a run fills and writes a menu tree. Holds nothing: each operation is
 // that of the same name in the subsystem that does the work, whose header gives its contract.
+// buildTreeFromXml loads its subsystem first, and throws as loadXmlReader() does.
 class InventoryBuilder {
  public:
   void buildMenuFromInventory(const TrackManager& manager, MenuTree& tree) const;
