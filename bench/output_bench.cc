@@ -24,7 +24,7 @@ void layoutTwoTables(benchmark::State& state) {
     Orvane::DataTable dataTable;
     Orvane::DataRecordIndex idMap;
     Orvane::layoutChildren(sample.tree.getRoot(), treeTable, dataTable, idMap);
-    benchmark::DoNotOptimize(treeTable.data());
+    benchmark::DoNotOptimize(treeTable.size());
     benchmark::DoNotOptimize(dataTable.data());
   }
   bench::countItems(state);

@@ -10,6 +10,15 @@
 
 namespace Orvane {
 
+namespace {
+
+// The same bytes at the same place, as the texts of tracks that share a name are, need no look.
+bool isSameText(std::string_view a, std::string_view b) {
+  return (a.data() == b.data() && a.size() == b.size()) || a == b;
+}
+
+}  // namespace
+
 bool CategoryIndex::orders(std::uint32_t a, std::uint32_t b) const {
   if (order_ == Order::kByNumber) return names_[a].id < names_[b].id;
   return names_[a].folded < names_[b].folded;
@@ -24,7 +33,7 @@ std::uint32_t CategoryIndex::nameFor(std::uint32_t id, std::string_view text) {
     *nameById_.enter(id).first = position;
   }
   Name& name = names_[position];
-  if (order_ == Order::kByName && (isNew || name.text != text)) {
+  if (order_ == Order::kByName && (isNew || !isSameText(name.text, text))) {
     const std::string folded = foldName(text);
     if (folded != name.folded) {
       if (!isNew) placeEntries();

@@ -34,6 +34,14 @@ class CategoryIndex {
   // the next clear().
   void insert(std::uint32_t id, std::string_view name, std::uint32_t track);
 
+  // Ask, in this order and each in time for the next, for what nameOf(id) looks at: the id's entry,
+  // its name, the bytes of that.
+  void expectId(std::uint32_t id) const { nameById_.prefetch(id); }
+  void expectName(std::uint32_t id) const {
+    if (const std::uint32_t* const name = nameById_.find(id)) __builtin_prefetch(&names_[*name]);
+  }
+  void expectText(std::uint32_t id) const { __builtin_prefetch(nameOf(id).data()); }
+
   // The name of the id, empty if it never had an entry.
   std::string_view nameOf(std::uint32_t id) const;
 

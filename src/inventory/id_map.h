@@ -21,6 +21,11 @@ class IdMap {
     return slot.used ? &slot.value : nullptr;
   }
 
+  // Asks for the place of `id`, which will soon be looked for.
+  void prefetch(std::uint32_t id) const {
+    if (!slots_.empty()) __builtin_prefetch(&slots_[homeOf(id)]);
+  }
+
   // The value under `id`, entering a default one if there is none, and whether it was entered.
   std::pair<Value*, bool> enter(std::uint32_t id) {
     if (4 * (used_ + 1) > 3 * slots_.size()) grow();

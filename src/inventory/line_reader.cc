@@ -56,7 +56,7 @@ bool LineReader::fill() {
   } while (got == -1 && errno == EINTR);
   if (got == -1) {
     const int reason = errno;
-    std::cerr << printable(path_) << ":" << lineNumber_
+    std::cerr << printable(path_) << ":" << lineNumber_ + 1
               << ": cannot read on: " << std::strerror(reason) << std::endl;
     throw OVReadError(OVReadError::kShortRead);
   }
@@ -64,23 +64,38 @@ bool LineReader::fill() {
   return got != 0;
 }
 
+// Takes the next line if its line feed is in the block; the first `searched` unread bytes are known
+// to hold none.
+bool LineReader::takeLine(std::string_view& line, std::size_t searched) {
+  const std::string_view unread(block_.get() + begin_, end_ - begin_);
+  const std::size_t length = unread.find('\n', searched);
+  if (length == std::string_view::npos) return false;
+  line = unread.substr(0, length);
+  begin_ += length + 1;
+  ++lineNumber_;
+  return true;
+}
+
 std::string_view LineReader::next() {
   if (atEnd_) return {};
-  ++lineNumber_;
-  std::size_t searched = 0;  // bytes of the unread part known to hold no line feed
-  while (true) {
-    const std::string_view unread(block_.get() + begin_, end_ - begin_);
-    const std::size_t length = unread.find('\n', searched);
-    if (length != std::string_view::npos) {
-      begin_ += length + 1;
-      return unread.substr(0, length);
-    }
-    searched = unread.size();
+  std::string_view line;
+  std::size_t searched = 0;
+  while (!takeLine(line, searched)) {
+    searched = end_ - begin_;
     if (!fill()) {
       atEnd_ = true;
+      ++lineNumber_;
       return {block_.get() + begin_, end_ - begin_};
     }
   }
+  return line;
+}
+
+std::size_t LineReader::nextLines(std::span<std::string_view> lines) {
+  lines[0] = next();
+  std::size_t count = 1;
+  while (count < lines.size() && !atEnd_ && takeLine(lines[count], 0)) ++count;
+  return count;
 }
 
 }  // namespace Orvane

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <span>
 #include <string_view>
 
 namespace Orvane {
@@ -24,6 +25,10 @@ class LineReader {
   // file, line and reason on standard error, when the file can't be read on.
   std::string_view next();
 
+  // As many of the next lines as fit into `lines` and are at hand without a further read, at least
+  // one; all are good until the next call. Returns how many.
+  std::size_t nextLines(std::span<std::string_view> lines);
+
   // Whether the last line had no line feed, so that nothing follows it.
   bool atEnd() const { return atEnd_; }
 
@@ -32,6 +37,7 @@ class LineReader {
 
  private:
   bool fill();
+  bool takeLine(std::string_view& line, std::size_t searched);
 
   const char* path_;
   int descriptor_;

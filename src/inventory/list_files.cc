@@ -1,8 +1,10 @@
 #include "inventory/list_files.h"
 
+#include <array>
 #include <iostream>
 
 #include "errors/printable.h"
+#include "inventory/byte_scan.h"
 #include "inventory/decimal_number.h"
 #include "inventory/id_map.h"
 #include "inventory/line_reader.h"
@@ -14,6 +16,7 @@ namespace {
 constexpr std::string_view kSeparator = "|";
 constexpr std::size_t kRequiredFields = 8;
 constexpr std::size_t kUsedFields = 9;
+constexpr std::size_t kLinesAtATime = 16;
 
 // The track of each media id that has come more than once in the tracks file, as it came last:
 // playlists name that one, while the manager keeps to the first.
@@ -28,26 +31,53 @@ bool reportUnopened(const LineReader& reader, const char* path) {
   return !reader.isOpen();
 }
 
+// A track as its line gives it; the texts are in the line.
+struct TrackLine {
+  std::string_view title;
+  std::string_view artistName;
+  std::string_view albumName;
+  std::string_view genreName;
+  std::uint32_t rating;
+};
+
+TrackIds parseIds(const std::vector<std::string_view>& fields) {
+  return {parseId(fields[0]), parseId(fields[2]), parseId(fields[4]), parseId(fields[6])};
+}
+
 void readTracks(TrackManager& manager, const char* path, LaterTracks& laterTracks) {
   LineReader reader(path);
   if (reportUnopened(reader, path)) return;
+  std::array<std::string_view, kLinesAtATime> lines;
   std::vector<std::string_view> fields;
+  std::vector<TrackLine> tracks;
+  std::vector<TrackIds> ids;  // of the same tracks
   while (!reader.atEnd()) {
-    const std::string_view line = reader.next();
-    if (line.find(kSeparator) == std::string_view::npos) continue;
-    fields.clear();
-    splitFields(line, fields, kSeparator, kUsedFields);
-    if (fields.size() < kRequiredFields) {
-      std::cerr << printable(path) << ":" << reader.lineNumber() << ": expected " << kRequiredFields
-                << " fields, found " << fields.size() << ": line skipped" << std::endl;
-      continue;
+    tracks.clear();
+    ids.clear();
+    const std::size_t count = reader.nextLines(lines);
+    for (std::size_t i = 0; i < count; ++i) {
+      fields.clear();
+      splitFields(lines[i], fields, kSeparator, kUsedFields);
+      if (fields.size() >= kRequiredFields) {
+        const std::uint32_t rating = fields.size() < kUsedFields ? 0 : parseId(fields[8]);
+        tracks.push_back({fields[1], fields[3], fields[5], fields[7], rating});
+        ids.push_back(parseIds(fields));
+      } else if (lines[i].find(kSeparator) != std::string_view::npos) {
+        std::cerr << printable(path) << ":" << reader.lineNumber() - count + 1 + i << ": expected "
+                  << kRequiredFields << " fields, found " << fields.size() << ": line skipped"
+                  << std::endl;
+      }
     }
-    const std::uint32_t mediaId = parseId(fields[0]);
-    const std::uint32_t rating = fields.size() < kUsedFields ? 0 : parseId(fields[8]);
-    const Track* const track =
-        manager.addTrack(fields[1], mediaId, fields[3], parseId(fields[2]), fields[5],
-                         parseId(fields[4]), fields[7], parseId(fields[6]), rating);
-    if (manager.findTrack(mediaId) != track) *laterTracks.enter(mediaId).first = track;
+    manager.expectTracks(ids);
+    for (std::size_t i = 0; i < tracks.size(); ++i) {
+      const TrackLine& line = tracks[i];
+      const Track* const track =
+          manager.addTrack(line.title, ids[i].media, line.artistName, ids[i].artist, line.albumName,
+                           ids[i].album, line.genreName, ids[i].genre, line.rating);
+      if (manager.findTrack(ids[i].media) != track) {
+        *laterTracks.enter(ids[i].media).first = track;
+      }
+    }
   }
 }
 
@@ -105,16 +135,26 @@ void readInventoryFiles(TrackManager& manager, const char* tracksFile, const cha
 
 void splitFields(std::string_view line, std::vector<std::string_view>& fields,
                  std::string_view separators, std::size_t limit) {
-  for (std::size_t i = 0; i < limit; ++i) {
-    const std::size_t begin = line.find_first_not_of(separators);
-    if (begin == std::string_view::npos) return;
-    line.remove_prefix(begin);
-    const std::size_t end =
-        separators.size() == 1 ? line.find(separators.front()) : line.find_first_of(separators);
-    fields.push_back(line.substr(0, end));
-    if (end == std::string_view::npos) return;
-    line.remove_prefix(end);
+  std::size_t left = limit;
+  std::size_t begin = 0;
+  const auto endField = [&](std::size_t end) {
+    if (left > 0 && end > begin) {
+      fields.push_back(line.substr(begin, end - begin));
+      --left;
+    }
+    begin = end + 1;
+    return left > 0;
+  };
+  if (separators.size() == 1) {
+    forEachOccurrence(line, separators.front(), endField);
+  } else {
+    for (std::size_t end = 0; left > 0;) {
+      end = line.find_first_of(separators, begin);
+      if (end == std::string_view::npos) break;
+      endField(end);
+    }
   }
+  if (begin < line.size()) endField(line.size());
 }
 
 void printInventory(const TrackManager& manager) {

@@ -27,21 +27,26 @@ MenuNode& appendMenu(MenuNode& parent, std::string_view name, std::uint32_t recT
 class LeafMaker {
  public:
   LeafMaker(const TrackManager& manager, MenuTree& tree)
-      : index_(tree.acceptTokensOf(&manager) ? &manager.getIndex() : nullptr) {}
+      : index_(manager.getIndex()),
+        hasTokens_(tree.acceptTokensOf(&manager, index_.highestNumber())) {}
 
   // A leaf doesn't carry its track's rating: players tell stars by the menu alone.
   void append(MenuNode& parent, const Track& track) const {
-    parent.appendChild([&](MenuNode& leaf) {
-      leaf.setNodeType(NODE_TYPE_MEDIA);
-      leaf.setMediaId(track.getMediaId());
-      leaf.setBorrowedName(track.getTitle());
-      leaf.setTrack(&track);
-      if (index_ != nullptr) leaf.setContentToken(index_->numberOf(track));
-    });
+    append(parent, track, track.getNumber());
+  }
+
+  // The same for one that may be any track, as those in playlists.
+  void appendAny(MenuNode& parent, const Track& track) const {
+    append(parent, track, index_.numberOf(track));
   }
 
  private:
-  const TrackIndex* index_;  // nullptr when the tree takes the tokens of another manager
+  void append(MenuNode& parent, const Track& track, TrackIndex::Number number) const {
+    parent.appendChild([&](MenuNode& leaf) { leaf.becomeLeafOf(track, hasTokens_ ? number : 0); });
+  }
+
+  const TrackIndex& index_;
+  bool hasTokens_;  // false when the tree takes the tokens of another manager
 };
 
 MenuNode& appendAlbum(MenuNode& parent, const Track& track) {
@@ -72,7 +77,7 @@ void addPlaylistsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& cat
     const Playlist& playlist = **it;
     MenuNode& menu =
         appendMenu(category, playlist.getName(), RecType::kPlaylist, playlist.getPlaylistId());
-    for (const Track* track : playlist.getTracks()) leaves.append(menu, *track);
+    for (const Track* track : playlist.getTracks()) leaves.appendAny(menu, *track);
   }
 }
 
@@ -85,6 +90,17 @@ void addArtistsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& categ
   std::vector<Album> albums;
   PositionIndex albumIndex;
 
+  // The albums met last: most tracks are of one of these, and to know them by where the name is
+  // takes no look at its bytes.
+  struct Recent {
+    const char* name = nullptr;
+    std::size_t nameSize = 0;
+    std::uint32_t id = 0;
+    std::uint32_t run = 0;  // counted from 1, so that no track is taken for one of no album
+    std::uint32_t album = 0;
+  };
+  std::array<Recent, 128> recents;
+
   RunDetector runs;
   MenuNode* artist = nullptr;
   std::uint32_t run = 0;
@@ -94,19 +110,27 @@ void addArtistsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& categ
       artist = &appendMenu(category, track.getArtistName(), RecType::kArtist, track.getArtistId());
       ++run;
     }
-    const std::string_view name = MenuNode::storedForm(track.getAlbumName());
-    const auto next = static_cast<std::uint32_t>(albums.size());
-    const std::uint32_t hash = hashNameAndId(name, track.getAlbumId()) + run * 0x9E3779B9U;
-    std::uint32_t album = albumIndex.findOrInsert(hash, next, [&](std::uint32_t candidate) {
-      const Album& other = albums[candidate];
-      return other.artist == artist && other.menu->getMediaId() == track.getAlbumId() &&
-             other.menu->getName() == name;
-    });
-    // It is the whole name that is looked for among the stored ones: one too long to be stored
-    // whole is never found, and each such track gets an album menu to itself.
-    if (track.getAlbumName().size() > name.size()) album = next;
-    if (album == next) albums.push_back({artist, &appendAlbum(*artist, track)});
-    leaves.append(*albums[album].menu, track);
+    const std::string_view fullName = track.getAlbumName();
+    const std::uint32_t id = track.getAlbumId();
+    Recent& recent = recents[id % recents.size()];
+    if (recent.run != run || recent.id != id || recent.name != fullName.data() ||
+        recent.nameSize != fullName.size()) {
+      const std::string_view name = MenuNode::storedForm(fullName);
+      const auto next = static_cast<std::uint32_t>(albums.size());
+      const std::uint32_t hash = hashNameAndId(name, id) + run * 0x9E3779B9U;
+      std::uint32_t album = albumIndex.findOrInsert(hash, next, [&](std::uint32_t candidate) {
+        const Album& other = albums[candidate];
+        return other.artist == artist && other.menu->getMediaId() == id &&
+               other.menu->getName() == name;
+      });
+      // It is the whole name that is looked for among the stored ones: one too long to be stored
+      // whole is never found, and each such track gets an album menu to itself.
+      const bool isShortened = fullName.size() > name.size();
+      if (isShortened) album = next;
+      if (album == next) albums.push_back({artist, &appendAlbum(*artist, track)});
+      recent = {fullName.data(), fullName.size(), id, isShortened ? 0 : run, album};
+    }
+    leaves.append(*albums[recent.album].menu, track);
   });
 }
 

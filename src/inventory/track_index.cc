@@ -22,6 +22,21 @@ bool TrackIndex::add(Track& track) {
   return true;
 }
 
+// In steps, each of which finds what the one before has asked for.
+void TrackIndex::expect(std::span<const TrackIds> tracks) const {
+  const auto inEachCategory = [&](void (CategoryIndex::*step)(std::uint32_t) const) {
+    for (const TrackIds& ids : tracks) {
+      (artists_.*step)(ids.artist);
+      (albums_.*step)(ids.album);
+      (genres_.*step)(ids.genre);
+    }
+  };
+  for (const TrackIds& ids : tracks) tracksById_.prefetch(ids.media);
+  inEachCategory(&CategoryIndex::expectId);
+  inEachCategory(&CategoryIndex::expectName);
+  inEachCategory(&CategoryIndex::expectText);
+}
+
 void TrackIndex::remove(std::uint32_t mediaId) {
   const Number* const found = tracksById_.find(mediaId);
   if (found != nullptr && *found != kNoTrack) {

@@ -1,13 +1,21 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "inventory/category_index.h"
 #include "inventory/id_map.h"
-#include "inventory/track.h"
+#include "tree/track.h"
 
 namespace Orvane {
+
+struct TrackIds {
+  std::uint32_t media;
+  std::uint32_t artist;
+  std::uint32_t album;
+  std::uint32_t genre;
+};
 
 // How the tracks of a TrackManager can be found: in the order of their registration, by media id,
 // and in the orders of the four categories. Only the first track of a media id is in here; the
@@ -22,6 +30,10 @@ class TrackIndex {
   // list, under its media id, and in each category in which its id, or rating, isn't 0. The track
   // and its texts must outlive the index, or the next clear().
   bool add(Track& track);
+
+  // Says that tracks with these ids will be added next. What that looks at is all over the memory:
+  // asked for in time, it is there.
+  void expect(std::span<const TrackIds> tracks) const;
 
   // Withdraws a media id; unknown ones are ignored. See getTrackList() for what becomes of the
   // list.
@@ -41,6 +53,8 @@ class TrackIndex {
     const Number number = track.getNumber();
     return number < tracksByNumber_.size() && tracksByNumber_[number] == &track ? number : 0;
   }
+
+  Number highestNumber() const { return static_cast<Number>(tracksByNumber_.size() - 1); }
 
   // Like find, but leaves an empty entry under an unknown id, as looking up in a map by subscript
   // does.

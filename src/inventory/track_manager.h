@@ -2,13 +2,14 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string_view>
 #include <vector>
 
 #include "inventory/playlist.h"
-#include "inventory/track.h"
 #include "inventory/track_index.h"
 #include "tree/arena.h"
+#include "tree/track.h"
 
 namespace Orvane {
 
@@ -39,7 +40,11 @@ class TrackManager {
                           std::string_view albumName, std::uint32_t albumId,
                           std::string_view genreName, std::uint32_t genreId, std::uint32_t rating);
   virtual Playlist* addPlaylist(std::string_view name);
+
   virtual Playlist* addPlaylist(std::string_view name, std::uint32_t playlistId);
+
+  // Says that tracks with these ids will be added next.
+  void expectTracks(std::span<const TrackIds> tracks) const { index_->expect(tracks); }
 
   // Takes every occurrence of it out of the playlists.
   virtual void removePlaylist(const Playlist* playlist);

@@ -8,6 +8,7 @@
 #include <exception>
 #include <iostream>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "inventory/xml_attribute.h"
@@ -74,6 +75,28 @@ MenuNode* addOne(const xmlNode& domNode, MenuNode& parent) {
   });
 }
 
+void readDocument(const char* xmlFile, MenuTree& tree) {
+  const SilencedXmlLibrary silenced;
+  xmlpp::DomParser parser;
+  parser.parse_file(xmlFile);
+  if (!parser) return;
+  xmlpp::Element* const rootElement = parser.get_document()->get_root_node();
+  if (rootElement == nullptr) return;
+
+  xmlNode& from = *rootElement->cobj();
+  MenuNode& root = *tree.getRoot();
+  const XmlAttribute name(from, "name");
+  if (name.isPresent()) root.setName(name.text());
+  for (const xmlNode* child = from.children; child != nullptr; child = child->next) {
+    if (child->type == XML_ELEMENT_NODE) addXmlNode(*child, root);
+  }
+
+  // The document's own end would first look at every node for a wrapper of libxml++. These have
+  // none: only the root element was asked for.
+  xmlFreeNodeList(std::exchange(from.children, nullptr));
+  from.last = nullptr;
+}
+
 }  // namespace
 
 void addXmlNode(const xmlNode& domNode, MenuNode& parent) {
@@ -105,22 +128,11 @@ void addXmlNode(const xmlNode& domNode, MenuNode& parent) {
 void buildTreeFromXml(const char* xmlFile, MenuTree& tree) {
   try {
     // A document is millions of small pieces, freed together. The C library would put them aside
-    // and join them later in an order that takes as long as all else; joined at once they also go
-    // back to the system before the output needs room.
+    // and join them later in an order that takes as long as all else.
     ::mallopt(M_MXFAST, 0);
-    const SilencedXmlLibrary silenced;
-    xmlpp::DomParser parser;
-    parser.parse_file(xmlFile);
-    if (!parser) return;
-    const xmlpp::Element* const rootElement = parser.get_document()->get_root_node();
-    if (rootElement == nullptr) return;
-
-    MenuNode& root = *tree.getRoot();
-    const XmlAttribute name(*rootElement->cobj(), "name");
-    if (name.isPresent()) root.setName(name.text());
-    for (const xmlNode* child = rootElement->cobj()->children; child; child = child->next) {
-      if (child->type == XML_ELEMENT_NODE) addXmlNode(*child, root);
-    }
+    readDocument(xmlFile, tree);
+    // The output will need room, but not in pieces.
+    ::malloc_trim(0);
   } catch (const std::exception& e) {
     std::cout << "Exception caught: " << e.what() << std::endl;
   }

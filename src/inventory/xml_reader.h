@@ -14,8 +14,8 @@ namespace Orvane {
 // the exception's text and a line end go to standard output, and the tree keeps what it has by
 // then: a document that doesn't parse leaves it as it was.
 //
-// For the whole process this turns malloc's fast bins off, and libxml2's handler of generic errors
-// back to its default.
+// For the whole process this turns malloc's fast bins off, gives what malloc has free back to the
+// system, and turns libxml2's handler of generic errors back to its default.
 void buildTreeFromXml(const char* xmlFile, MenuTree& tree);
 
 // Hangs the nodes for `domNode` and all that is beneath it under `parent`. Unlike the root

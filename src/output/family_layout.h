@@ -18,10 +18,12 @@ namespace Orvane {
 // it has none, or kNoChildren for nullptr and for a media leaf, whose children are never laid out.
 //
 // A Table offers:
-//   std::uint32_t size() const;                                 records so far
-//   void append(const MenuNode& node);                          a record for `node`, not yet linked
-//   void setFirstChild(std::uint32_t record, std::uint32_t i);  links a record to its children
-//   bool isDeferred(const MenuNode& child) const;               see below
+//   std::uint32_t size() const;                    records so far
+//   Link append(const MenuNode& node);             a record for `node`, linked to kNoChildren
+//   void setFirstChild(Link, std::uint32_t index); links that record to its children
+//   bool isDeferred(const MenuNode& child) const;  see below
+//   void expect(const MenuNode& node) const;       `node` will be appended soon ...
+//   void expectNext(const MenuNode& node) const;   ... and very soon
 //
 // The descendants of a deferred child come after those of all its siblings. Among several deferred
 // siblings only the last is descended into; the others are linked to 0.
@@ -41,7 +43,7 @@ std::uint32_t layoutFamilies(const MenuNode* node, Table& table) {
   };
   struct Child {
     const MenuNode* node;
-    std::uint32_t record;
+    typename Table::Link link;
   };
   std::vector<Family> unfinished;
   std::vector<Child> toVisit;
@@ -50,16 +52,16 @@ std::uint32_t layoutFamilies(const MenuNode* node, Table& table) {
     const std::uint32_t base = table.size();
     if (parent.childCount() == 0) return base;
     const std::size_t first = toVisit.size();
-    std::uint32_t record = base;
-    forEachPrefetched(parent.childrenBegin(), parent.childrenEnd(), [&](const MenuNode& child) {
-      table.append(child);
+    const auto append = [&](const MenuNode& child) {
+      const typename Table::Link link = table.append(child);
       if (child.getNodeType() != NODE_TYPE_MEDIA || table.isDeferred(child)) {
-        toVisit.push_back({&child, record});
-      } else {
-        table.setFirstChild(record, kNoChildren);
+        toVisit.push_back({&child, link});
       }
-      ++record;
-    });
+    };
+    forEachPrefetched(
+        parent.childrenBegin(), parent.childrenEnd(), append,
+        [&](const MenuNode& child) { table.expect(child); },
+        [&](const MenuNode& child) { table.expectNext(child); });
     unfinished.push_back({first, toVisit.size(), kNone});
     return base;
   };
@@ -72,7 +74,7 @@ std::uint32_t layoutFamilies(const MenuNode* node, Table& table) {
       ++family.next;
       if (table.isDeferred(*toVisit[visited].node)) {
         family.deferred = visited;
-        table.setFirstChild(toVisit[visited].record, 0);
+        table.setFirstChild(toVisit[visited].link, 0);
         continue;
       }
     } else if (family.deferred != kNone) {
@@ -84,7 +86,7 @@ std::uint32_t layoutFamilies(const MenuNode* node, Table& table) {
     }
     const Child child = toVisit[visited];
     const bool leaf = child.node->getNodeType() == NODE_TYPE_MEDIA;
-    table.setFirstChild(child.record, leaf ? kNoChildren : appendFamily(*child.node));
+    table.setFirstChild(child.link, leaf ? kNoChildren : appendFamily(*child.node));
   }
   return result;
 }

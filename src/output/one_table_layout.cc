@@ -12,12 +12,17 @@ class OneTable {
  public:
   explicit OneTable(NodeTable& table) : table_(table) {}
 
+  using Link = std::uint32_t;  // the record's index
+
   std::uint32_t size() const { return static_cast<std::uint32_t>(table_.size()); }
-  void append(const MenuNode& node) { table_.push_back({&node, 0}); }
-  void setFirstChild(std::uint32_t record, std::uint32_t index) {
-    table_[record].firstChildIndex = index;
+  Link append(const MenuNode& node) {
+    table_.push_back({&node, kNoChildren});
+    return size() - 1;
   }
+  void setFirstChild(Link link, std::uint32_t index) { table_[link].firstChildIndex = index; }
   static bool isDeferred(const MenuNode& /*child*/) { return false; }
+  static void expect(const MenuNode& /*node*/) {}
+  static void expectNext(const MenuNode& /*node*/) {}
 
  private:
   NodeTable& table_;

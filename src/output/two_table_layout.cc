@@ -20,30 +20,50 @@ class TwoTables {
   TwoTables(TreeTable& treeTable, DataTable& dataTable, DataRecordIndex& idMap)
       : treeTable_(treeTable), dataTable_(dataTable), idMap_(idMap) {}
 
-  std::uint32_t size() const { return static_cast<std::uint32_t>(treeTable_.size()); }
+  using Link = TreeTable::Link;
 
-  void append(const MenuNode& node) {
-    TreeRecord record;
-    fillTreeRecord(node, record);
-    record.dataIndex = dataIndexOf(node);
-    treeTable_.push_back(record);
+  std::uint32_t size() const { return treeTable_.size(); }
+
+  Link append(const MenuNode& node) {
+    const std::uint32_t dataIndex = dataIndexOf(node);
+    const bool isLeaf = node.getNodeType() == NODE_TYPE_MEDIA && node.childCount() == 0;
+    if (!isLeaf || isDeferred(node)) return treeTable_.append(node, dataIndex);
+    treeTable_.appendLeaf(dataIndex);
+    return kNeverLinked;
   }
 
-  void setFirstChild(std::uint32_t record, std::uint32_t index) {
-    treeTable_[record].firstChildIndex = index;
-  }
+  void setFirstChild(Link link, std::uint32_t index) { treeTable_.setFirstChild(link, index); }
 
   static bool isDeferred(const MenuNode& child) {
     return child.getRecType() == RecType::kPlainMenu && child.getName() == "Playlists";
   }
 
+  void expect(const MenuNode& node) const {
+    if (isNewToken(node)) node.prefetchContent();
+  }
+  void expectNext(const MenuNode& node) const {
+    if (isNewToken(node)) idMap_.byNameAndId.prefetch(hashOf(node));
+  }
+
  private:
+  static constexpr Link kNeverLinked = 0xFFFFFFFF;
+
+  static std::uint32_t hashOf(const MenuNode& node) {
+    return hashNameAndId(comparedName(node), node.getMediaId());
+  }
+
+  bool isNewToken(const MenuNode& node) const {
+    const std::uint32_t token = node.getContentToken();
+    return token != 0 && (token >= idMap_.byToken.size() || idMap_.byToken[token] == 0);
+  }
+
   std::uint32_t dataIndexOf(const MenuNode& node) {
     const std::uint32_t token = node.getContentToken();
     if (token == 0) return findOrAdd(node);
     auto& byToken = idMap_.byToken;
-    if (token >= byToken.size())
+    if (token >= byToken.size()) {
       byToken.resize(std::max<std::size_t>(token + std::size_t{1}, 2 * byToken.size()));
+    }
     if (byToken[token] == 0) byToken[token] = findOrAdd(node);
     return byToken[token];
   }
@@ -51,8 +71,8 @@ class TwoTables {
   std::uint32_t findOrAdd(const MenuNode& node) {
     const std::string_view name = comparedName(node);
     const auto next = static_cast<std::uint32_t>(dataTable_.size());
-    const std::uint32_t index = idMap_.byNameAndId.findOrInsert(
-        hashNameAndId(name, node.getMediaId()), next, [&](std::uint32_t candidate) {
+    const std::uint32_t index =
+        idMap_.byNameAndId.findOrInsert(hashOf(node), next, [&](std::uint32_t candidate) {
           const MenuNode& other = *dataTable_[candidate];
           return other.getMediaId() == node.getMediaId() && comparedName(other) == name;
         });

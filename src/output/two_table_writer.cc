@@ -17,27 +17,27 @@ bool writeTwoTable(const MenuTree& tree, Buffer& buffer) {
   DataRecordIndex idMap;
   treeTable.reserve(tree.nodeCountHint());
   dataTable.reserve(tree.nodeCountHint());
+  idMap.reserve(tree.highestContentToken());
 
   const MenuNode& root = *tree.getRoot();
   dataTable.push_back(&root);
-  TreeRecord& rootRecord = treeTable.emplace_back();
-  fillTreeRecord(root, rootRecord);
-  const std::uint32_t firstChild = layoutChildren(&root, treeTable, dataTable, idMap);
-  treeTable.front().firstChildIndex = firstChild;
+  const TreeTable::Link rootLink = treeTable.append(root, 0);
+  treeTable.setFirstChild(rootLink, layoutChildren(&root, treeTable, dataTable, idMap));
 
   std::array<std::uint8_t, kTwoTableHeaderSize> header{};
-  fillFileHeader(header, 2, static_cast<std::uint32_t>(treeTable.size()),
-                 static_cast<std::uint32_t>(dataTable.size()));
+  fillFileHeader(header, 2, treeTable.size(), static_cast<std::uint32_t>(dataTable.size()));
 
   buffer.openForWrite();
   RecordSink sink(buffer);
   sink.putHeader(header);
-  for (const TreeRecord& record : treeTable) sink.put(record.encode());
+  treeTable.forEach([&](const TreeRecord& record) { sink.put(record.encode()); });
   std::array<std::uint8_t, kDataRecordSize> bytes;
-  forEachPrefetched(dataTable.begin(), dataTable.end(), [&](const MenuNode& node) {
+  const auto put = [&](const MenuNode& node) {
     fillDataRecord(node, bytes);
     sink.put(bytes);
-  });
+  };
+  forEachPrefetched(dataTable.begin(), dataTable.end(), put,
+                    [](const MenuNode& node) { node.prefetchContent(); });
   buffer.close();
   return true;
 }

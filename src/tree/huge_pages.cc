@@ -1,5 +1,6 @@
 #include "tree/huge_pages.h"
 
+#include <malloc.h>
 #include <sys/mman.h>
 
 #include <cstdint>
@@ -9,7 +10,7 @@ namespace Orvane {
 namespace {
 
 // What is smaller isn't worth pages of its own.
-constexpr std::size_t kSmallestMapping = std::size_t{1} << 15;
+constexpr std::size_t kSmallestMapping = kHugePageSize;
 
 bool isMapped(std::size_t size) {
   return size >= kSmallestMapping;
@@ -53,6 +54,14 @@ void* allocateLarge(std::size_t size) {
   // Advice only: where it isn't taken, ordinary pages do.
   static_cast<void>(::madvise(begin + before, wanted, MADV_HUGEPAGE));
   return begin + before;
+}
+
+void keepFreedMemory() noexcept {
+  constexpr int kMebibyte = 1 << 20;
+  // Refusals would cost time only.
+  static_cast<void>(::mallopt(M_MMAP_THRESHOLD, 8 * kMebibyte));
+  static_cast<void>(::mallopt(M_TRIM_THRESHOLD, 64 * kMebibyte));
+  static_cast<void>(::mallopt(M_TOP_PAD, kMebibyte));
 }
 
 void freeLarge(void* memory, std::size_t size) noexcept {

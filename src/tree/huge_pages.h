@@ -15,6 +15,10 @@ inline constexpr std::size_t kHugePageSize = std::size_t{1} << 21;
 void* allocateLarge(std::size_t size);
 void freeLarge(void* memory, std::size_t size) noexcept;
 
+// Has malloc keep, for the whole process, what is freed for what is asked for next: sequences that
+// grow give much back that would otherwise be touched for the first time again and again.
+void keepFreedMemory() noexcept;
+
 // For containers that may grow large.
 template <typename T>
 struct LargeAllocator {

@@ -1,7 +1,6 @@
 #include "tree/menu_node.h"
 
 #include <algorithm>
-#include <string>
 #include <utility>
 
 #include "tree/node_arena.h"
@@ -47,8 +46,8 @@ void MenuNode::freeChildren() {
 }
 
 void MenuNode::freeOwn() {
-  if (ownsName_) delete[] name_;
   if (branch_->isShared) return;
+  if (branch_->ownsName) delete[] name_;
   delete[] branch_->children;
   delete branch_;
 }
@@ -60,9 +59,32 @@ MenuNode::Branch& MenuNode::ownBranch() {
   return *branch_;
 }
 
+// Makes a track's leaf a node like others, that looks the same.
+void MenuNode::leaveTrack() {
+  if (!isTrackLeaf()) return;
+  const Track* const track = track_;
+  const std::string_view name = getName();
+  ownBranch().track = track;
+  nodeType_ = NODE_TYPE_MEDIA;
+  mediaId_ = track->getMediaId();
+  name_ = name.data();
+  nameSize_ = static_cast<std::uint8_t>(name.size());
+}
+
+void MenuNode::becomeLeafOf(const Track& track, std::uint32_t contentToken) {
+  nodeType_ = kTrackLeaf;
+  track_ = &track;
+  contentToken_ = contentToken;
+}
+
+void MenuNode::setTrack(const Track* track) {
+  leaveTrack();
+  if (track != getTrack()) ownBranch().track = track;
+}
+
 void MenuNode::setNumber(std::uint8_t MenuNode::*field, std::uint32_t Branch::*wideField,
                          std::uint32_t value) {
-  if (value < kWide) {
+  if (value < kTrackLeaf) {
     this->*field = static_cast<std::uint8_t>(value);
   } else {
     ownBranch().*wideField = value;
@@ -71,6 +93,7 @@ void MenuNode::setNumber(std::uint8_t MenuNode::*field, std::uint32_t Branch::*w
 }
 
 void MenuNode::setNodeType(std::uint32_t value) {
+  leaveTrack();
   setNumber(&MenuNode::nodeType_, &Branch::nodeType, value);
 }
 
@@ -83,8 +106,8 @@ void MenuNode::setRating(std::uint32_t value) {
 }
 
 void MenuNode::setMediaId(std::uint32_t value) {
+  leaveTrack();
   mediaId_ = value;
-  contentToken_ = 0;
 }
 
 void MenuNode::setAttribMask(std::uint32_t value) {
@@ -96,47 +119,46 @@ std::uint32_t MenuNode::setSpare(std::uint32_t value) {
   return value;
 }
 
+// Takes a name that outlives the node or, when `isOwned`, one that a node that stands alone is to
+// free; such a node has a branch of its own by then.
 void MenuNode::takeName(std::string_view name, bool isOwned) {
-  if (ownsName_) delete[] name_;
+  const bool isWide = name.size() >= kWide;
+  if (isWide) ownBranch().nameSize = static_cast<std::uint32_t>(name.size());
+  if (branch_->ownsName) delete[] name_;
+  if (!branch_->isShared) branch_->ownsName = isOwned;
   name_ = name.data();
-  nameSize_ = static_cast<std::uint32_t>(name.size());
-  ownsName_ = isOwned;
-  contentToken_ = 0;
+  nameSize_ = isWide ? kWide : static_cast<std::uint8_t>(name.size());
 }
 
 void MenuNode::setName(std::string_view name) {
+  leaveTrack();
   if (name.size() > kMaxNameLength) {
-    prependName(name.substr(0, kShortenedNameLength));
+    takeCopy(name.substr(0, kShortenedNameLength), getName());
   } else if (name.empty()) {
     takeName("", false);
-  } else if (branch_->arena != nullptr) {
-    takeName(branch_->arena->keep(name), false);
   } else {
-    auto copy = std::make_unique_for_overwrite<char[]>(name.size());
-    std::copy(name.begin(), name.end(), copy.get());
-    takeName({copy.release(), name.size()}, true);
+    takeCopy(name, {});
   }
 }
 
 void MenuNode::setBorrowedName(std::string_view name) {
+  leaveTrack();
   if (name.size() <= kMaxNameLength) {
     takeName(name, false);
-  } else if (nameSize_ == 0) {
+  } else if (getName().empty()) {
     takeName(name.substr(0, kShortenedNameLength), false);
   } else {
-    prependName(name.substr(0, kShortenedNameLength));
+    takeCopy(name.substr(0, kShortenedNameLength), getName());
   }
 }
 
-void MenuNode::prependName(std::string_view name) {
-  const std::size_t size = name.size() + nameSize_;
-  if (branch_->arena != nullptr) {
-    takeName(branch_->arena->keep(std::string(name).append(getName())), false);
-    return;
-  }
-  auto joined = std::make_unique_for_overwrite<char[]>(size);
-  std::copy(name_, name_ + nameSize_, std::copy(name.begin(), name.end(), joined.get()));
-  takeName({joined.release(), size}, true);
+void MenuNode::takeCopy(std::string_view front, std::string_view back) {
+  NodeArena* const arena = branch_->arena;
+  if (arena == nullptr) ownBranch();  // before there is a copy to be lost
+  const std::size_t size = front.size() + back.size();
+  char* const copy = arena == nullptr ? new char[size] : arena->makeText(size);
+  std::copy(back.begin(), back.end(), std::copy(front.begin(), front.end(), copy));
+  takeName({copy, size}, arena == nullptr);
 }
 
 void MenuNode::setAll(std::uint32_t nodeType, std::uint32_t mediaId, std::string_view name,

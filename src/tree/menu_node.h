@@ -5,10 +5,11 @@
 #include <memory>
 #include <string_view>
 
+#include "tree/track.h"
+
 namespace Orvane {
 
 class NodeArena;
-class Track;
 
 // Values of MenuNode's nodeType. A node that never gets one keeps 0 and counts as a menu
 // everywhere.
@@ -40,8 +41,9 @@ inline constexpr std::uint32_t kThreeStars = 13;
 //   for (p = node.firstChild(); node.hasMoreChildren(); p = node.nextChild()) use(*p);
 // Only one such walk per node may be under way, and the find operations move the cursor too.
 //
-// A million tracks make some five million nodes, nearly all of them plain leaves: a node is 40
-// bytes, and what only menus or unusual values need is in a Branch of its own.
+// A million tracks make some five million nodes, nearly all of them leaves of tracks: a node is 24
+// bytes. A track's leaf leaves name and id with its track, and what only menus or unusual values
+// need is in a Branch of its own.
 class MenuNode {
  public:
   // A place in the children sequence; good until a child is added to the node.
@@ -72,7 +74,15 @@ class MenuNode {
   std::uint32_t setSpare(std::uint32_t value);
 
   // The track that a media leaf stands for. Not owned; nullptr when there is none.
-  void setTrack(const Track* track) { track_ = track; }
+  void setTrack(const Track* track);
+
+  // Makes a fresh node the media leaf of a track, which must outlive it: its id and its name, as a
+  // fresh node would take it, are those of the track until the node is given others.
+  //
+  // A `contentToken` says that all nodes of this tree with the same one have the same mediaId and
+  // name, so that whoever compares those need look at one of them only. Tokens count from 1 and
+  // should be dense; 0 is none.
+  void becomeLeafOf(const Track& track, std::uint32_t contentToken);
 
   // Up to 64 bytes replace the name. Of a longer name the first 62 bytes are put in front of the
   // name that the node already has, which stays behind them: on a fresh node that shortens the
@@ -86,22 +96,36 @@ class MenuNode {
   void setAll(std::uint32_t nodeType, std::uint32_t mediaId, std::string_view name,
               std::uint32_t recType, std::uint32_t rating, std::uint32_t attribMask);
 
-  // Says that all nodes of this tree with the same `token` have the same mediaId and name, so that
-  // whoever compares those need look at one of them only. Setting either takes the token away
-  // again. Tokens count from 1 and should be dense; 0 is none.
-  void setContentToken(std::uint32_t token) { contentToken_ = token; }
-  std::uint32_t getContentToken() const { return contentToken_; }
+  // 0 also once the node was given an id, a name, a node type or a track of its own.
+  std::uint32_t getContentToken() const { return isTrackLeaf() ? contentToken_ : 0; }
 
-  std::uint32_t getNodeType() const { return nodeType_ == kWide ? branch_->nodeType : nodeType_; }
-  std::uint32_t getMediaId() const { return mediaId_; }
+  std::uint32_t getNodeType() const {
+    if (nodeType_ < kTrackLeaf) return nodeType_;
+    return isTrackLeaf() ? NODE_TYPE_MEDIA : branch_->nodeType;
+  }
+  std::uint32_t getMediaId() const { return isTrackLeaf() ? track_->getMediaId() : mediaId_; }
   std::uint32_t getRecType() const { return recType_ == kWide ? branch_->recType : recType_; }
   std::uint32_t getRating() const { return rating_ == kWide ? branch_->rating : rating_; }
   std::uint32_t getAttribMask() const { return branch_->attribMask; }
   std::uint32_t getSpare() const { return branch_->spare; }
-  const Track* getTrack() const { return track_; }
+  const Track* getTrack() const { return isTrackLeaf() ? track_ : branch_->track; }
 
   // The stored bytes in place; good until the name is set again.
-  std::string_view getName() const { return {name_, nameSize_}; }
+  std::string_view getName() const {
+    if (isTrackLeaf()) return storedForm(track_->getTitle());
+    return {name_, nameSize_ == kWide ? branch_->nameSize : nameSize_};
+  }
+
+  // Says that id and name will soon be asked for. A track's leaf has them in its track, whose title
+  // often follows it in memory.
+  void prefetchContent() const {
+    if (isTrackLeaf()) {
+      __builtin_prefetch(track_);
+      __builtin_prefetch(track_ + 1);
+    } else {
+      __builtin_prefetch(name_);
+    }
+  }
 
   // Appends `child` and owns it from then on. False for nullptr. When memory runs out it throws,
   // and the child is freed.
@@ -145,32 +169,38 @@ class MenuNode {
  private:
   friend class NodeArena;
 
-  // What a node has beyond the 40 bytes. Nodes that need nothing of it share one that is all zero,
+  // What a node has beyond the 24 bytes. Nodes that need nothing of it share one that is all zero,
   // the arena's or, outside arenas, a static one.
   struct Branch {
     NodeArena* arena = nullptr;  // where the node lives; nullptr for one that stands alone
     bool isShared = false;
+    bool ownsName = false;  // only of a node that stands alone
     MenuNode** children = nullptr;
     std::uint32_t count = 0;
     std::uint32_t capacity = 0;
     std::uint32_t cursor = 0;
-    std::uint32_t nodeType = 0;  // these three count when the node's own field says kWide
+    std::uint32_t nodeType = 0;  // these four count when the node's own field says kWide
     std::uint32_t recType = 0;
     std::uint32_t rating = 0;
+    std::uint32_t nameSize = 0;
     std::uint32_t attribMask = 0;
     std::uint32_t spare = 0;
-    MenuNode* parent = nullptr;  // the way back up while a subtree is being freed
+    const Track* track = nullptr;  // where it isn't in the node
+    MenuNode* parent = nullptr;    // the way back up while a subtree is being freed
   };
 
   static constexpr std::uint8_t kWide = 0xFF;
+  static constexpr std::uint8_t kTrackLeaf = 0xFE;  // a node type: see becomeLeafOf
 
   explicit MenuNode(Branch* branch) : branch_(branch) {}
 
+  bool isTrackLeaf() const { return nodeType_ == kTrackLeaf; }
+  void leaveTrack();
   Branch& ownBranch();
   void setNumber(std::uint8_t MenuNode::*field, std::uint32_t Branch::*wideField,
                  std::uint32_t value);
   void takeName(std::string_view name, bool isOwned);
-  void prependName(std::string_view name);
+  void takeCopy(std::string_view front, std::string_view back);
   MenuNode* makeChild();
   void discardChild(MenuNode* child);
   void link(MenuNode* child) { branch_->children[branch_->count++] = child; }
@@ -181,18 +211,21 @@ class MenuNode {
   template <typename Predicate>
   bool findChild(Position& position, Predicate matches);
 
-  const char* name_ = "";
+  union {
+    const char* name_ = "";
+    const Track* track_;  // of a track's leaf
+  };
   Branch* branch_;
-  const Track* track_ = nullptr;
-  std::uint32_t nameSize_ = 0;
-  std::uint32_t mediaId_ = 0;
-  std::uint32_t contentToken_ = 0;
+  union {
+    std::uint32_t mediaId_ = 0;
+    std::uint32_t contentToken_;  // of a track's leaf
+  };
   std::uint8_t nodeType_ = 0;
   std::uint8_t recType_ = 0;
   std::uint8_t rating_ = 0;
-  bool ownsName_ = false;  // only of a node that stands alone
+  std::uint8_t nameSize_ = 0;
 };
 
-static_assert(sizeof(void*) != 8 || sizeof(MenuNode) == 40, "a tree holds millions of these");
+static_assert(sizeof(void*) != 8 || sizeof(MenuNode) == 24, "a tree holds millions of these");
 
 }  // namespace Orvane

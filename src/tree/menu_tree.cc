@@ -1,5 +1,6 @@
 #include "tree/menu_tree.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "tree/node_arena.h"
@@ -20,9 +21,11 @@ std::size_t MenuTree::nodeCountHint() const {
   return arena_->nodeCount();
 }
 
-bool MenuTree::acceptTokensOf(const void* issuer) {
+bool MenuTree::acceptTokensOf(const void* issuer, std::uint32_t highest) {
   if (tokenIssuer_ == nullptr) tokenIssuer_ = issuer;
-  return tokenIssuer_ == issuer;
+  if (tokenIssuer_ != issuer) return false;
+  highestToken_ = std::max(highestToken_, highest);
+  return true;
 }
 
 bool MenuTree::addChildToRoot(std::unique_ptr<MenuNode> child) {

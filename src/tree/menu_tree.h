@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 
 #include "tree/menu_node.h"
@@ -29,9 +31,12 @@ class MenuTree {
   // About how many nodes the tree has: those that it made itself.
   std::size_t nodeCountHint() const;
 
-  // Whether nodes of this tree may carry the content tokens that `issuer` gives. Tokens of one
-  // issuer only can be told apart: the first who asks.
-  bool acceptTokensOf(const void* issuer);
+  // Whether nodes of this tree may carry the content tokens, up to `highest`, that `issuer` gives.
+  // Tokens of one issuer only can be told apart: the first who asks.
+  bool acceptTokensOf(const void* issuer, std::uint32_t highest);
+
+  // No node of this tree carries a higher one.
+  std::uint32_t highestContentToken() const { return highestToken_; }
 
   // Puts the children of album, artist and genre menus (recType 3 to 5) and of menus named
   // "Artists", "Albums", "Geners" or "Songs" in the order of their names as unsigned bytes,
@@ -52,6 +57,7 @@ class MenuTree {
   std::unique_ptr<NodeArena> arena_;
   MenuNode* root_;
   const void* tokenIssuer_ = nullptr;
+  std::uint32_t highestToken_ = 0;
 };
 
 }  // namespace Orvane

@@ -3,30 +3,18 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "tree/name_bytes.h"
+
 namespace Orvane {
 
 void NameRanks::add(std::uint32_t number, std::string_view name) {
-  if (number >= names_.size()) {
-    const std::size_t size = std::max<std::size_t>(number + std::size_t{1}, 2 * names_.size());
-    names_.resize(size);
-    isKnown_.resize(size);
+  if (knows(number)) return;
+  if (number >= isKnown_.size()) {
+    isKnown_.resize(std::max<std::size_t>(number + std::size_t{1}, 2 * isKnown_.size()));
   }
-  if (isKnown_[number]) return;
   isKnown_[number] = true;
-  names_[number] = name;
-  keys_.push_back({0, number});
-}
-
-// Past its end a name reads as zero bytes. That leaves undecided only names that differ in how many
-// zero bytes they end with.
-std::uint64_t NameRanks::bytesAt(std::uint32_t number, std::size_t offset) const {
-  const std::string_view name = names_[number];
-  std::uint64_t bytes = 0;
-  const std::size_t end = std::min(offset + sizeof(bytes), name.size());
-  for (std::size_t i = offset; i < end; ++i) {
-    bytes |= std::uint64_t{static_cast<std::uint8_t>(name[i])} << (56 - 8 * (i - offset));
-  }
-  return bytes;
+  keys_.push_back(
+      {nameBytesAt(name, 0), name.data(), static_cast<std::uint32_t>(name.size()), number});
 }
 
 void NameRanks::rank() {
@@ -41,13 +29,17 @@ void NameRanks::rank() {
   while (!parts.empty()) {
     const Part part = parts.back();
     parts.pop_back();
-    bool byLength = true;
+    bool byLength = part.offset > 0;
     for (std::size_t i = part.begin; i < part.end && byLength; ++i) {
-      byLength = names_[keys_[i].number].size() <= part.offset;
+      byLength = keys_[i].size <= part.offset;
     }
-    for (std::size_t i = part.begin; i < part.end; ++i) {
-      const std::uint32_t number = keys_[i].number;
-      keys_[i].bytes = byLength ? names_[number].size() : bytesAt(number, part.offset);
+    if (part.offset > 0) {
+      for (std::size_t i = part.begin; i < part.end; ++i) {
+        constexpr std::size_t kDistance = 16;
+        if (part.end - i > kDistance) __builtin_prefetch(keys_[i + kDistance].name + part.offset);
+        Key& key = keys_[i];
+        key.bytes = byLength ? key.size : nameBytesAt({key.name, key.size}, part.offset);
+      }
     }
     std::sort(keys_.begin() + static_cast<std::ptrdiff_t>(part.begin),
               keys_.begin() + static_cast<std::ptrdiff_t>(part.end),
@@ -60,7 +52,7 @@ void NameRanks::rank() {
     }
   }
 
-  ranks_.resize(names_.size());
+  ranks_.resize(isKnown_.size());
   for (std::size_t i = 0; i < keys_.size(); ++i) {
     if (startsRank[i]) ++highest_;
     ranks_[keys_[i].number] = highest_;

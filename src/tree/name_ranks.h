@@ -12,6 +12,9 @@ namespace Orvane {
 // ranks compare as the names do, equal ones of equal names.
 class NameRanks {
  public:
+  // Whether a name was added for the number.
+  bool knows(std::uint32_t number) const { return number < isKnown_.size() && isKnown_[number]; }
+
   // Adds a name; its bytes must stay until rank() is called. The first name of a number counts.
   void add(std::uint32_t number, std::string_view name);
 
@@ -25,19 +28,18 @@ class NameRanks {
   std::uint32_t highest() const { return highest_; }
 
  private:
-  // Eight bytes of a name, in the order of whose values the names come, and which name it is.
+  // A name, and eight bytes of it, in the order of whose values the names come.
   struct Key {
     std::uint64_t bytes;
+    const char* name;
+    std::uint32_t size;
     std::uint32_t number;
   };
-
-  std::uint64_t bytesAt(std::uint32_t number, std::size_t offset) const;
 
   template <typename T>
   using Sequence = std::vector<T, LargeAllocator<T>>;
 
-  Sequence<std::string_view> names_;  // by number
-  std::vector<bool> isKnown_;         // by number: a name was added
+  std::vector<bool> isKnown_;  // by number: a name was added
   Sequence<Key> keys_;
   Sequence<std::uint32_t> ranks_;  // by number
   std::uint32_t highest_ = 0;

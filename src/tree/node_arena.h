@@ -29,7 +29,7 @@ class NodeArena {
  private:
   friend class MenuNode;
 
-  std::string_view keep(std::string_view text) { return memory_.keep(text); }
+  char* makeText(std::size_t size) { return static_cast<char*>(memory_.allocate(size, 1)); }
   MenuNode::Branch* makeBranch();
 
   // Arrays of a power of two of pointers; those given back are used again.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -25,7 +26,7 @@ class PositionIndex {
   // hash. When there is none, enters `next` and returns it.
   template <typename Matches>
   std::uint32_t findOrInsert(std::uint32_t hash, std::uint32_t next, Matches matches) {
-    if (4 * (used_ + 1) > 3 * slots_.size()) grow();
+    reserve(used_ + 1);
     std::size_t at = hash & (slots_.size() - 1);
     for (; slots_[at].position != kFree; at = (at + 1) & (slots_.size() - 1)) {
       if (slots_[at].hash == hash && matches(slots_[at].position)) return slots_[at].position;
@@ -33,6 +34,18 @@ class PositionIndex {
     slots_[at] = {hash, next};
     ++used_;
     return next;
+  }
+
+  // Makes room for so many elements.
+  void reserve(std::size_t elements) {
+    std::size_t size = std::max<std::size_t>(slots_.size(), 16);
+    while (4 * elements > 3 * size) size *= 2;
+    if (size > slots_.size()) resize(size);
+  }
+
+  // Asks for the place of an element with that hash, which will soon be looked for.
+  void prefetch(std::uint32_t hash) const {
+    if (!slots_.empty()) __builtin_prefetch(&slots_[hash & (slots_.size() - 1)]);
   }
 
  private:
@@ -43,8 +56,8 @@ class PositionIndex {
     std::uint32_t position = kFree;
   };
 
-  void grow() {
-    std::vector<Slot, LargeAllocator<Slot>> old(slots_.empty() ? 16 : 2 * slots_.size());
+  void resize(std::size_t size) {
+    std::vector<Slot, LargeAllocator<Slot>> old(size);
     old.swap(slots_);
     for (const Slot& slot : old) {
       if (slot.position == kFree) continue;

@@ -5,6 +5,7 @@
 
 #include "tree/huge_pages.h"
 #include "tree/menu_tree.h"
+#include "tree/name_bytes.h"
 #include "tree/name_ranks.h"
 #include "tree/prefetch.h"
 
@@ -35,7 +36,7 @@ class ChildSorter {
     for (auto child = menu.childrenBegin(); child != menu.childrenEnd(); ++child) {
       const std::uint32_t token = (*child)->getContentToken();
       ranked = ranked && token != 0;
-      if (token != 0) ranks_.add(token, (*child)->getName());
+      if (token != 0 && !ranks_.knows(token)) ranks_.add(token, (*child)->getName());
     }
     menus_.push_back({&menu, ranked});
   }
@@ -62,27 +63,45 @@ class ChildSorter {
     MenuNode* node;
   };
 
+  // With the first bytes of each name at hand, few names have to be looked at.
   static void sortByName(MenuNode& menu) {
-    std::sort(menu.childrenBegin(), menu.childrenEnd(),
-              [](const MenuNode* a, const MenuNode* b) { return a->getName() < b->getName(); });
+    struct Named {
+      std::uint64_t bytes;
+      MenuNode* node;
+    };
+    std::vector<Named, LargeAllocator<Named>> named;
+    named.reserve(menu.childCount());
+    forEachPrefetched(menu.childrenBegin(), menu.childrenEnd(), [&](MenuNode& child) {
+      named.push_back({nameBytesAt(child.getName(), 0), &child});
+    });
+    std::sort(named.begin(), named.end(), [](const Named& a, const Named& b) {
+      return a.bytes != b.bytes ? a.bytes < b.bytes : a.node->getName() < b.node->getName();
+    });
+    std::transform(named.begin(), named.end(), menu.childrenBegin(),
+                   [](const Named& entry) { return entry.node; });
   }
 
   void sortByRank(MenuNode& menu) {
     load(menu);
-    if (ranked_.size() >= kWorthDistributing) {
+    // Without equal names there is but one order, and it doesn't matter how it is found.
+    if (ranked_.size() >= kWorthDistributing && allDiffer()) {
       distribute();
-      // Without equal names there is but one order, and it doesn't matter how it is found.
-      if (std::adjacent_find(ranked_.begin(), ranked_.end(), sameRank) == ranked_.end()) {
-        return store(menu);
-      }
-      load(menu);
+    } else {
+      std::sort(ranked_.begin(), ranked_.end(),
+                [](const Ranked& a, const Ranked& b) { return a.rank < b.rank; });
     }
-    std::sort(ranked_.begin(), ranked_.end(),
-              [](const Ranked& a, const Ranked& b) { return a.rank < b.rank; });
     store(menu);
   }
 
-  static bool sameRank(const Ranked& a, const Ranked& b) { return a.rank == b.rank; }
+  bool allDiffer() {
+    isThere_.resize(ranks_.highest() + std::size_t{1});
+    std::size_t different = 0;
+    while (different < ranked_.size() && !isThere_[ranked_[different].rank]) {
+      isThere_[ranked_[different++].rank] = true;
+    }
+    for (std::size_t i = 0; i < different; ++i) isThere_[ranked_[i].rank] = false;
+    return different == ranked_.size();
+  }
 
   void load(MenuNode& menu) {
     ranked_.clear();
@@ -119,6 +138,7 @@ class ChildSorter {
   std::vector<Menu> menus_;
   Sequence ranked_;
   Sequence scratch_;
+  std::vector<bool> isThere_;  // by rank; false between uses
 };
 
 }  // namespace

@@ -33,6 +33,20 @@ std::vector<std::string> linesOf(const std::string& path) {
   return lines;
 }
 
+// The same, read several at a time.
+std::vector<std::string> linesInGroups(const std::string& path, std::size_t atMost) {
+  LineReader reader(path.c_str());
+  std::vector<std::string> lines;
+  std::vector<std::string_view> group(atMost);
+  while (!reader.atEnd()) {
+    const std::size_t count = reader.nextLines(group);
+    EXPECT_GE(count, 1U);
+    lines.insert(lines.end(), group.begin(), group.begin() + static_cast<std::ptrdiff_t>(count));
+    EXPECT_EQ(reader.lineNumber(), lines.size());
+  }
+  return lines;
+}
+
 std::vector<std::string> linesIn(std::string_view content) {
   const TempDir dir;
   writeFile(dir / "file", content);
@@ -117,8 +131,25 @@ TEST(LineReader, ReadsRandomFiles) {
       content += '\n';
     }
     content.resize(random() % content.size());
-    ASSERT_EQ(linesIn(content), plainLines(content));
+    const TempDir dir;
+    writeFile(dir / "file", content);
+    ASSERT_EQ(linesOf(dir / "file"), plainLines(content));
+    ASSERT_EQ(linesInGroups(dir / "file", 1 + random() % 20), plainLines(content));
   }
+}
+
+TEST(LineReader, GivesOnlyLinesThatAreAtHandInAGroup) {
+  const TempDir dir;
+  writeFile(dir / "file", "a\nb\n\nc");
+  LineReader reader((dir / "file").c_str());
+  std::vector<std::string_view> group(8);
+  ASSERT_EQ(reader.nextLines(group), 3U);
+  EXPECT_EQ(group[0], "a");
+  EXPECT_EQ(group[2], "");
+  EXPECT_FALSE(reader.atEnd());
+  ASSERT_EQ(reader.nextLines(group), 1U);
+  EXPECT_EQ(group[0], "c");
+  EXPECT_TRUE(reader.atEnd());
 }
 
 // A pipe gives few bytes at a time.

@@ -4,11 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <iostream>
+#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "list_reading.h"
+#include "seeded_random.h"
 
 namespace Orvane::test {
 namespace {
@@ -47,6 +49,22 @@ TEST(SplitFields, AppendsUpToTheLimit) {
   EXPECT_THAT(fields, ElementsAre("before", "a", "b"));
   splitFields("d", fields, "|", 0);
   EXPECT_THAT(fields, ElementsAre("before", "a", "b"));
+}
+
+// Whatever is where in a machine word, every byte value included.
+TEST(SplitFields, OneSeparatorSplitsAsSeveralDo) {
+  std::mt19937 random = seededRandom(31);
+  for (int i = 0; i < 3000; ++i) {
+    std::string line(random() % 40, '\0');
+    for (char& c : line) c = static_cast<char>(random() % 2 == 0 ? '{' + random() % 4 : random());
+    for (const std::size_t limit : {0U, 1U, 3U, 100U}) {
+      std::vector<std::string_view> fields;
+      splitFields(line, fields, "|", limit);
+      std::vector<std::string_view> expected;
+      splitFields(line, expected, "||", limit);
+      ASSERT_EQ(fields, expected) << ::testing::PrintToString(line);
+    }
+  }
 }
 
 TEST(TracksFile, GivesEachFieldItsPlace) {

@@ -10,8 +10,8 @@
 #include <utility>
 #include <vector>
 
-#include "inventory/track.h"
 #include "test_support.h"
+#include "tree/track.h"
 
 namespace Orvane {
 

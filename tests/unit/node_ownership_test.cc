@@ -7,6 +7,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -50,7 +51,8 @@ TEST_P(NodeOwnership, NumbersOfEverySizeAreKept) {
   MenuNode& node = fresh();
   const MenuNode& other = fresh();
   constexpr auto kMax = std::numeric_limits<std::uint32_t>::max();
-  for (const std::uint32_t value : {1U, 254U, 255U, 256U, 257U, 65535U, 65536U, kMax, 255U, 0U}) {
+  for (const std::uint32_t value :
+       {1U, 253U, 254U, 255U, 256U, 257U, 65535U, 65536U, kMax, 255U, 0U}) {
     node.setAll(value, value, "", value, value, value);
     EXPECT_EQ(node.setSpare(value), value);
     EXPECT_EQ(node.getNodeType(), value);
@@ -97,23 +99,85 @@ TEST_P(NodeOwnership, NameIsACopy) {
   EXPECT_EQ(node.getName(), "before");
 }
 
-TEST_P(NodeOwnership, SettingNameOrIdTakesTheTokenAway) {
-  MenuNode& node = fresh();
-  node.setContentToken(7);
-  node.setRecType(1);
-  node.setAttribMask(2);
+class TrackLeaf : public NodeOwnership {
+ protected:
+  TrackLeaf() {
+    track_.setTitle("title");
+    track_.setMediaId(9);
+  }
+
+  MenuNode& leaf() {
+    MenuNode& node = fresh();
+    node.becomeLeafOf(track_, 7);
+    return node;
+  }
+
+  Track track_;
+};
+
+TEST_P(TrackLeaf, ShowsItsTrack) {
+  const MenuNode& node = leaf();
+  EXPECT_EQ(describeNode(node), "2 9 'title' 0 0 0");
+  EXPECT_EQ(node.getTrack(), &track_);
   EXPECT_EQ(node.getContentToken(), 7U);
-  node.setName("name");
-  EXPECT_EQ(node.getContentToken(), 0U);
-  node.setContentToken(7);
-  node.setMediaId(1);
-  EXPECT_EQ(node.getContentToken(), 0U);
-  node.setContentToken(7);
-  node.setBorrowedName("borrowed");
-  EXPECT_EQ(node.getContentToken(), 0U);
-  node.setContentToken(7);
-  node.setName(std::string(65, 'n'));
-  EXPECT_EQ(node.getContentToken(), 0U);
+  EXPECT_EQ(node.childCount(), 0U);
+}
+
+TEST_P(TrackLeaf, ShortensATitleAsAFreshNodeDoes) {
+  const std::string title(65, 't');
+  for (const std::size_t size : {63U, 64U, 65U}) {
+    track_.setTitle(std::string_view(title).substr(0, size));
+    MenuNode& other = fresh();
+    other.setName(track_.getTitle());
+    EXPECT_EQ(leaf().getName(), other.getName());
+  }
+}
+
+TEST_P(TrackLeaf, KeepsTokenAndTrackWithNumbersOfItsOwn) {
+  MenuNode& node = leaf();
+  node.setRecType(300);
+  node.setRating(2);
+  node.setAttribMask(3);
+  node.setSpare(4);
+  addMedia(node, 1, "child");
+  EXPECT_EQ(describeNode(node), "2 9 'title' 300 2 3");
+  EXPECT_EQ(node.getSpare(), 4U);
+  EXPECT_EQ(node.childCount(), 1U);
+  EXPECT_EQ(node.getContentToken(), 7U);
+  EXPECT_EQ(node.getTrack(), &track_);
+}
+
+TEST_P(TrackLeaf, LosesOnlyTheTokenWhenItIsGivenValuesOfItsOwn) {
+  MenuNode& named = leaf();
+  named.setName("name");
+  EXPECT_EQ(describeNode(named), "2 9 'name' 0 0 0");
+  MenuNode& borrowing = leaf();
+  borrowing.setBorrowedName("borrowed");
+  EXPECT_EQ(describeNode(borrowing), "2 9 'borrowed' 0 0 0");
+  MenuNode& longer = leaf();
+  longer.setName(std::string(65, 'n'));
+  EXPECT_EQ(longer.getName(), std::string(62, 'n') + "title");
+  MenuNode& numbered = leaf();
+  numbered.setMediaId(1);
+  EXPECT_EQ(describeNode(numbered), "2 1 'title' 0 0 0");
+  MenuNode& typed = leaf();
+  typed.setNodeType(NODE_TYPE_MENU);
+  EXPECT_EQ(describeNode(typed), "1 9 'title' 0 0 0");
+  for (const MenuNode* node : {&named, &borrowing, &longer, &numbered, &typed}) {
+    EXPECT_EQ(node->getContentToken(), 0U);
+    EXPECT_EQ(node->getTrack(), &track_);
+  }
+}
+
+TEST_P(TrackLeaf, CanBeGivenAnotherTrack) {
+  const Track other;
+  for (const Track* const track : {static_cast<const Track*>(nullptr), &other}) {
+    MenuNode& node = leaf();
+    node.setTrack(track);
+    EXPECT_EQ(node.getTrack(), track);
+    EXPECT_EQ(describeNode(node), "2 9 'title' 0 0 0");
+    EXPECT_EQ(node.getContentToken(), 0U);
+  }
 }
 
 TEST_P(NodeOwnership, AppendChildReturnsTheFilledLastChild) {
@@ -162,10 +226,13 @@ TEST_P(NodeOwnership, MenusThatGrowInTurnKeepTheirChildren) {
   EXPECT_EQ(seen, 4 * kChildren + 3 * kChildren / 3);
 }
 
+constexpr auto kOwnerName = [](const auto& parameter) {
+  return parameter.param == Owner::kNone ? "Alone" : "OfATree";
+};
 INSTANTIATE_TEST_SUITE_P(Owners, NodeOwnership, ::testing::Values(Owner::kNone, Owner::kTree),
-                         [](const auto& parameter) {
-                           return parameter.param == Owner::kNone ? "Alone" : "OfATree";
-                         });
+                         kOwnerName);
+INSTANTIATE_TEST_SUITE_P(Owners, TrackLeaf, ::testing::Values(Owner::kNone, Owner::kTree),
+                         kOwnerName);
 
 TEST(NodeOwnershipMemory, TreeFreesItsOwnNodesAndAdoptedOnes) {
   const std::ptrdiff_t before = test::liveAllocations();

@@ -158,15 +158,22 @@ TEST_F(TwoTableLayout, NamesAreComparedOverTheirFirst64Bytes) {
 }
 
 TEST_F(TwoTableLayout, TokensChangeNothingInTheTables) {
+  Track one;
+  one.setTitle("x");
+  one.setMediaId(1);
+  Track two;
+  two.setTitle("x");
+  two.setMediaId(2);
+  const auto addLeaf = [&](const Track& track, std::uint32_t token) -> MenuNode& {
+    return root_.appendChild([&](MenuNode& leaf) { leaf.becomeLeafOf(track, token); });
+  };
   addMedia(root_, 1, "x");
-  addMedia(root_, 1, "x").setContentToken(1);
-  addMedia(root_, 1, "x").setContentToken(1);
-  addMedia(root_, 1, "x").setContentToken(2000);
-  addMedia(root_, 2, "x").setContentToken(3);
-  addMedia(root_, 2, "x");
-  MenuNode& renamed = addMedia(root_, 1, "x");
-  renamed.setContentToken(1);
-  renamed.setName("y");
+  addLeaf(one, 1);
+  addLeaf(one, 1);
+  addLeaf(one, 2000);
+  addLeaf(two, 3);
+  addLeaf(two, 0);
+  addLeaf(one, 1).setName("y");
   EXPECT_THAT(
       written().tree,
       ElementsAre(Links{1, 7, 0}, Links{kNone, 0, 1}, Links{kNone, 0, 1}, Links{kNone, 0, 1},
@@ -255,7 +262,8 @@ TEST_F(TwoTableLayout, EmptyPlaylistsPointBehindTheirSiblingsDescendants) {
 }
 
 TEST_F(TwoTableLayout, LayoutChildrenContinuesTablesThatAreNotEmpty) {
-  TreeTable treeTable(3);
+  TreeTable treeTable;
+  for (int i = 0; i < 3; ++i) treeTable.appendLeaf(0);
   DataTable dataTable(2, &root_);
   DataRecordIndex idMap;
   EXPECT_EQ(layoutChildren(nullptr, treeTable, dataTable, idMap), kNone);
@@ -265,9 +273,15 @@ TEST_F(TwoTableLayout, LayoutChildrenContinuesTablesThatAreNotEmpty) {
   EXPECT_EQ(layoutChildren(&leaf, treeTable, dataTable, idMap), kNone);
   EXPECT_EQ(layoutChildren(&root_, treeTable, dataTable, idMap), 3U);
   ASSERT_EQ(treeTable.size(), 4U);
-  EXPECT_EQ(treeTable[3].dataIndex, 2U);
+  const auto lastDataIndex = [&] {
+    std::uint32_t last = 0;
+    treeTable.forEach([&](const TreeRecord& record) { last = record.dataIndex; });
+    return last;
+  };
+  EXPECT_EQ(lastDataIndex(), 2U);
   EXPECT_EQ(layoutChildren(&root_, treeTable, dataTable, idMap), 4U);
-  EXPECT_EQ(treeTable.at(4).dataIndex, 2U) << "shared across calls";
+  EXPECT_EQ(treeTable.size(), 5U);
+  EXPECT_EQ(lastDataIndex(), 2U) << "shared across calls";
 }
 
 // Compared one with another, these names would take minutes.

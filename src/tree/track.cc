@@ -1,4 +1,4 @@
-#include "inventory/track.h"
+#include "tree/track.h"
 
 namespace Orvane {
 
