@@ -3,6 +3,9 @@
 #include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <new>
+#include <string>
+#include <string_view>
 
 #include "errors/ov_error.h"
 #include "errors/printable.h"
@@ -11,19 +14,32 @@ namespace Orvane {
 
 namespace {
 
-const char* reportedFile = "";
+// As it is shown. Made in time: there may be no memory left when it's needed.
+std::string reportedFile;
+
+void tell(std::string_view message) {
+  std::cerr << "skeinmake: " << message << ": " << reportedFile << std::endl;
+}
+
+void tellError(const std::exception_ptr& error) {
+  try {
+    std::rethrow_exception(error);
+  } catch (const OVError& e) {
+    tell(e.getMessage());
+  } catch (const std::exception& e) {
+    tell(e.what());
+  } catch (...) {
+    tell("unknown error");
+  }
+}
 
 [[noreturn]] void reportAndAbort() {
   std::cout.flush();  // abort() would drop what the run has said so far
   if (const std::exception_ptr error = std::current_exception()) {
     try {
-      std::rethrow_exception(error);
-    } catch (const OVError& e) {
-      std::cerr << "skeinmake: " << e.getMessage() << ": " << printable(reportedFile) << std::endl;
-    } catch (const std::exception& e) {
-      std::cerr << "skeinmake: " << e.what() << ": " << printable(reportedFile) << std::endl;
-    } catch (...) {
-      std::cerr << "skeinmake: unknown error: " << printable(reportedFile) << std::endl;
+      tellError(error);
+    } catch (const std::bad_alloc& e) {  // no memory for the message's copy
+      tell(e.what());
     }
   }
   std::abort();
@@ -32,8 +48,8 @@ const char* reportedFile = "";
 }  // namespace
 
 void reportUncaughtErrors(const char* outputFile) {
-  reportedFile = outputFile;
   std::set_terminate(reportAndAbort);
+  reportedFile = printable(outputFile);
 }
 
 }  // namespace Orvane

@@ -13,8 +13,8 @@ XmlReader loadXmlReader() {
   void* const entry = module == nullptr ? nullptr : ::dlsym(module, kXmlModuleEntry);
   if (entry == nullptr) {
     const char* const reason = ::dlerror();
-    throw std::runtime_error("cannot load the XML reader, install skeinmake again (" +
-                             std::string(reason == nullptr ? kXmlModule : reason) + ")");
+    throw std::runtime_error("cannot load the XML reader: " +
+                             std::string(reason == nullptr ? kXmlModule : reason));
   }
   return reinterpret_cast<XmlReader>(entry);
 }
