@@ -22,8 +22,8 @@ namespace Orvane {
 //   Link append(const MenuNode& node);             a record for `node`, linked to kNoChildren
 //   void setFirstChild(Link, std::uint32_t index); links that record to its children
 //   bool isDeferred(const MenuNode& child) const;  see below
-//   void expect(const MenuNode& node) const;       `node` will be appended soon ...
-//   void expectNext(const MenuNode& node) const;   ... and very soon
+//   void expect(const MenuNode& node, int step) const;  asks for what append(node), soon to come,
+//                                                       looks at, in three steps
 //
 // The descendants of a deferred child come after those of all its siblings. Among several deferred
 // siblings only the last is descended into; the others are linked to 0.
@@ -60,8 +60,9 @@ std::uint32_t layoutFamilies(const MenuNode* node, Table& table) {
     };
     forEachPrefetched(
         parent.childrenBegin(), parent.childrenEnd(), append,
-        [&](const MenuNode& child) { table.expect(child); },
-        [&](const MenuNode& child) { table.expectNext(child); });
+        [&](const MenuNode& child) { table.expect(child, 0); },
+        [&](const MenuNode& child) { table.expect(child, 1); },
+        [&](const MenuNode& child) { table.expect(child, 2); });
     unfinished.push_back({first, toVisit.size(), kNone});
     return base;
   };

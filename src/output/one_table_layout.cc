@@ -21,8 +21,7 @@ class OneTable {
   }
   void setFirstChild(Link link, std::uint32_t index) { table_[link].firstChildIndex = index; }
   static bool isDeferred(const MenuNode& /*child*/) { return false; }
-  static void expect(const MenuNode& /*node*/) {}
-  static void expectNext(const MenuNode& /*node*/) {}
+  static void expect(const MenuNode& /*node*/, int /*step*/) {}
 
  private:
   NodeTable& table_;

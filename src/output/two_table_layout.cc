@@ -38,11 +38,18 @@ class TwoTables {
     return child.getRecType() == RecType::kPlainMenu && child.getName() == "Playlists";
   }
 
-  void expect(const MenuNode& node) const {
-    if (isNewToken(node)) node.prefetchContent();
-  }
-  void expectNext(const MenuNode& node) const {
-    if (isNewToken(node)) idMap_.byNameAndId.prefetch(hashOf(node));
+  void expect(const MenuNode& node, int step) const {
+    const std::uint32_t token = node.getContentToken();
+    if (token == 0 || token >= idMap_.byToken.size()) return;
+    if (step == 0) {
+      __builtin_prefetch(&idMap_.byToken[token]);
+    } else if (idMap_.byToken[token] == 0) {
+      if (step == 1) {
+        node.prefetchContent();
+      } else {
+        idMap_.byNameAndId.prefetch(hashOf(node));
+      }
+    }
   }
 
  private:
@@ -50,11 +57,6 @@ class TwoTables {
 
   static std::uint32_t hashOf(const MenuNode& node) {
     return hashNameAndId(comparedName(node), node.getMediaId());
-  }
-
-  bool isNewToken(const MenuNode& node) const {
-    const std::uint32_t token = node.getContentToken();
-    return token != 0 && (token >= idMap_.byToken.size() || idMap_.byToken[token] == 0);
   }
 
   std::uint32_t dataIndexOf(const MenuNode& node) {

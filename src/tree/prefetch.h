@@ -11,17 +11,18 @@ namespace Orvane {
 // what the target leads to.
 template <typename Pointer, typename Use, typename... Expect>
 void forEachPrefetched(Pointer begin, Pointer end, Use use, Expect... expect) {
-  constexpr std::ptrdiff_t kStep = 8;
-  constexpr std::ptrdiff_t kFirst = kStep * (std::max<std::ptrdiff_t>(sizeof...(Expect), 1) + 1);
-  for (Pointer at = begin; at != end; ++at) {
-    std::ptrdiff_t distance = kFirst;
-    if (end - at > distance) __builtin_prefetch(at[distance]);
-    [[maybe_unused]] const auto call = [&](auto& step) {
-      distance -= kStep;
-      if (end - at > distance) step(*at[distance]);
+  const std::ptrdiff_t count = end - begin;
+  const std::ptrdiff_t step = std::min<std::ptrdiff_t>(count, sizeof...(Expect) == 0 ? 16 : 8);
+  const std::ptrdiff_t last = step * static_cast<std::ptrdiff_t>(sizeof...(Expect) + 1);
+  for (std::ptrdiff_t i = 0; i < count + last; ++i) {
+    if (i < count) __builtin_prefetch(begin[i]);
+    std::ptrdiff_t at = i;
+    [[maybe_unused]] const auto call = [&](auto& ask) {
+      at -= step;
+      if (at >= 0 && at < count) ask(*begin[at]);
     };
     (call(expect), ...);
-    use(**at);
+    if (i >= last) use(*begin[i - last]);
   }
 }
 

@@ -105,9 +105,12 @@ class ChildSorter {
 
   void load(MenuNode& menu) {
     ranked_.clear();
-    forEachPrefetched(menu.childrenBegin(), menu.childrenEnd(), [&](MenuNode& child) {
-      ranked_.push_back({ranks_[child.getContentToken()], &child});
-    });
+    forEachPrefetched(
+        menu.childrenBegin(), menu.childrenEnd(),
+        [&](MenuNode& child) {
+          ranked_.push_back({ranks_[child.getContentToken()], &child});
+        },
+        [&](const MenuNode& child) { ranks_.prefetch(child.getContentToken()); });
   }
 
   void store(MenuNode& menu) const {
