@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "inventory/name_folding.h"
+#include "tree/name_bytes.h"
 
 namespace Orvane {
 
@@ -21,7 +22,7 @@ bool isSameText(std::string_view a, std::string_view b) {
 
 bool CategoryIndex::orders(std::uint32_t a, std::uint32_t b) const {
   if (order_ == Order::kByNumber) return names_[a].id < names_[b].id;
-  return names_[a].folded < names_[b].folded;
+  return names_[a].folded() < names_[b].folded();
 }
 
 std::uint32_t CategoryIndex::nameFor(std::uint32_t id, std::string_view text) {
@@ -29,17 +30,18 @@ std::uint32_t CategoryIndex::nameFor(std::uint32_t id, std::string_view text) {
   const bool isNew = known == nullptr;
   const auto position = isNew ? static_cast<std::uint32_t>(names_.size()) : *known;
   if (isNew) {
-    names_.push_back({id, {}, {}});
+    names_.push_back({.id = id});
     *nameById_.enter(id).first = position;
   }
   Name& name = names_[position];
-  if (order_ == Order::kByName && (isNew || !isSameText(name.text, text))) {
+  if (order_ == Order::kByName && (isNew || !isSameText(name.text(), text))) {
     const std::string folded = foldName(text);
-    if (folded != name.folded) {
+    if (folded != name.folded()) {
       if (!isNew) placeEntries();
-      name.folded = foldedNames_->keep(folded);
+      name.foldedBytes = foldedNames_->keep(folded).data();
     }
-    name.text = text;
+    name.bytes = text.data();
+    name.size = static_cast<std::uint32_t>(text.size());
   }
   return position;
 }
@@ -63,7 +65,7 @@ void CategoryIndex::insert(std::uint32_t id, std::string_view name, std::uint32_
 
 std::string_view CategoryIndex::nameOf(std::uint32_t id) const {
   const std::uint32_t* const position = nameById_.find(id);
-  return position == nullptr ? std::string_view() : names_[*position].text;
+  return position == nullptr ? std::string_view() : names_[*position].text();
 }
 
 std::vector<std::uint32_t> CategoryIndex::tracksInOrder() const {
@@ -75,15 +77,26 @@ std::vector<std::uint32_t> CategoryIndex::tracksInOrder() const {
   }
 
   // There are far fewer names than entries: order the names, then count the entries into place.
-  std::vector<std::uint32_t> byName(names_.size());
-  std::iota(byName.begin(), byName.end(), 0U);
-  std::sort(byName.begin(), byName.end(),
-            [this](std::uint32_t a, std::uint32_t b) { return orders(a, b); });
+  struct Key {
+    std::uint64_t first;  // what the names' order mostly shows in
+    std::uint32_t name;
+  };
+  std::vector<Key, LargeAllocator<Key>> byName;
+  byName.reserve(names_.size());
+  for (const Name& name : names_) {
+    const bool byNumber = order_ == Order::kByNumber;
+    byName.push_back({byNumber ? name.id : nameBytesAt(name.folded(), 0),
+                      static_cast<std::uint32_t>(byName.size())});
+  }
+  const auto comesBefore = [this](const Key& a, const Key& b) {
+    return a.first != b.first ? a.first < b.first : orders(a.name, b.name);
+  };
+  std::sort(byName.begin(), byName.end(), comesBefore);
   std::vector<std::uint32_t> rank(names_.size());
   std::uint32_t ranks = 0;
   for (std::size_t i = 0; i < byName.size(); ++i) {
-    if (i > 0 && orders(byName[i - 1], byName[i])) ++ranks;
-    rank[byName[i]] = ranks;
+    if (i > 0 && comesBefore(byName[i - 1], byName[i])) ++ranks;
+    rank[byName[i].name] = ranks;
   }
   std::vector<std::size_t> place(names_.size() + 1);
   for (const Entry& entry : entries_) ++place[rank[entry.name] + 1];

@@ -62,8 +62,12 @@ class CategoryIndex {
  private:
   struct Name {
     std::uint32_t id = 0;
-    std::string_view text;
-    std::string_view folded;  // empty when the order is by number
+    std::uint32_t size = 0;
+    const char* bytes = nullptr;
+    const char* foldedBytes = nullptr;  // as many; nullptr when the order is by number
+
+    std::string_view text() const { return {bytes, size}; }
+    std::string_view folded() const { return {foldedBytes, foldedBytes == nullptr ? 0 : size}; }
   };
 
   struct Entry {
@@ -83,7 +87,7 @@ class CategoryIndex {
   void placeEntries();
 
   Order order_;
-  std::vector<Name> names_;
+  std::vector<Name, LargeAllocator<Name>> names_;
   IdMap<std::uint32_t> nameById_;  // id to position in names_
   std::unique_ptr<Arena> foldedNames_ = std::make_unique<Arena>();
 

@@ -1,6 +1,8 @@
 #include "inventory/list_files.h"
 
+#include <algorithm>
 #include <array>
+#include <cstdint>
 #include <iostream>
 
 #include "errors/printable.h"
@@ -81,17 +83,48 @@ void readTracks(TrackManager& manager, const char* path, LaterTracks& laterTrack
   }
 }
 
+// The lines of a playlists file. Most are media ids: where the next ones lead is asked for in time.
+class PlaylistLines {
+ public:
+  PlaylistLines(LineReader& reader, const TrackManager& manager)
+      : reader_(reader), manager_(manager) {}
+
+  // As LineReader has it. A line is good until the next call.
+  std::string_view next() {
+    if (at_ == count_) takeMore();
+    return lines_[at_++];
+  }
+  bool atEnd() const { return at_ == count_ && reader_.atEnd(); }
+  std::size_t lineNumber() const { return reader_.lineNumber() - (count_ - at_); }
+
+ private:
+  void takeMore() {
+    count_ = reader_.nextLines(lines_);
+    at_ = 0;
+    std::array<std::uint32_t, kLinesAtATime> ids;
+    std::transform(lines_.begin(), lines_.begin() + count_, ids.begin(), parseId);
+    manager_.expectLookups({ids.data(), count_});
+  }
+
+  LineReader& reader_;
+  const TrackManager& manager_;
+  std::array<std::string_view, kLinesAtATime> lines_;
+  std::size_t count_ = 0;
+  std::size_t at_ = 0;
+};
+
 // Reads the playlist's media ids from the line `line` on, up to the -1 that closes it.
-void readEntries(const TrackManager& manager, LineReader& reader, std::string_view line,
+void readEntries(const TrackManager& manager, PlaylistLines& lines, std::string_view line,
                  const char* path, const LaterTracks& laterTracks, Playlist& playlist) {
-  for (; parseDecimal(line) != -1; line = reader.next()) {
+  for (; parseDecimal(line) != -1; line = lines.next()) {
     const std::uint32_t mediaId = parseId(line);
-    if (manager.hasTrack(mediaId) && !(line.empty() && reader.atEnd())) {
+    const Track* const first = manager.findTrack(mediaId);
+    if (first != nullptr && !(line.empty() && lines.atEnd())) {
       const Track* const* const later = laterTracks.find(mediaId);
-      playlist.getTracks().push_back(later ? *later : manager.findTrack(mediaId));
+      playlist.getTracks().push_back(later ? *later : first);
     }
-    if (reader.atEnd()) {
-      const std::size_t lastLine = reader.lineNumber() - (line.empty() ? 1 : 0);
+    if (lines.atEnd()) {
+      const std::size_t lastLine = lines.lineNumber() - (line.empty() ? 1 : 0);
       std::cerr << printable(path) << ":" << lastLine << ": playlist \""
                 << printable(playlist.getName()) << "\" has no closing -1" << std::endl;
       return;
@@ -103,23 +136,24 @@ void readPlaylists(TrackManager& manager, const char* path, bool withPlaylistIds
                    const LaterTracks& laterTracks) {
   LineReader reader(path);
   if (reportUnopened(reader, path)) return;
+  PlaylistLines lines(reader, manager);
   std::string name;
   while (true) {
-    name = reader.next();
-    if (reader.atEnd()) return;
+    name = lines.next();
+    if (lines.atEnd()) return;
     if (name.empty()) continue;
 
     Playlist* playlist = nullptr;
     if (withPlaylistIds) {
-      const std::string_view idLine = reader.next();
+      const std::string_view idLine = lines.next();
       if (idLine.empty()) continue;
       playlist = manager.addPlaylist(name, parseId(idLine));
     } else {
       playlist = manager.addPlaylist(name);
     }
-    const std::string_view firstEntry = reader.next();
+    const std::string_view firstEntry = lines.next();
     if (!firstEntry.empty()) {
-      readEntries(manager, reader, firstEntry, path, laterTracks, *playlist);
+      readEntries(manager, lines, firstEntry, path, laterTracks, *playlist);
     }
   }
 }

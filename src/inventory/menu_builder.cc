@@ -77,7 +77,9 @@ void addPlaylistsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& cat
     const Playlist& playlist = **it;
     MenuNode& menu =
         appendMenu(category, playlist.getName(), RecType::kPlaylist, playlist.getPlaylistId());
-    for (const Track* track : playlist.getTracks()) leaves.appendAny(menu, *track);
+    const std::vector<const Track*>& tracks = playlist.getTracks();
+    forEachPrefetched(tracks.begin(), tracks.end(),
+                      [&](const Track& track) { leaves.appendAny(menu, track); });
   }
 }
 

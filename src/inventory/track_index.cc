@@ -37,6 +37,15 @@ void TrackIndex::expect(std::span<const TrackIds> tracks) const {
   inEachCategory(&CategoryIndex::expectText);
 }
 
+void TrackIndex::expectLookups(std::span<const std::uint32_t> mediaIds) const {
+  for (const std::uint32_t id : mediaIds) tracksById_.prefetch(id);
+  for (const std::uint32_t id : mediaIds) {
+    if (const Number* const number = tracksById_.find(id)) {
+      __builtin_prefetch(&tracksByNumber_[*number]);
+    }
+  }
+}
+
 void TrackIndex::remove(std::uint32_t mediaId) {
   const Number* const found = tracksById_.find(mediaId);
   if (found != nullptr && *found != kNoTrack) {

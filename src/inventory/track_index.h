@@ -34,6 +34,7 @@ class TrackIndex {
   // Says that tracks with these ids will be added next. What that looks at is all over the memory:
   // asked for in time, it is there.
   void expect(std::span<const TrackIds> tracks) const;
+  void expectLookups(std::span<const std::uint32_t> mediaIds) const;
 
   // Withdraws a media id; unknown ones are ignored. See getTrackList() for what becomes of the
   // list.

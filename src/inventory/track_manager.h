@@ -46,6 +46,11 @@ class TrackManager {
   // Says that tracks with these ids will be added next.
   void expectTracks(std::span<const TrackIds> tracks) const { index_->expect(tracks); }
 
+  // Says that tracks with these media ids will be looked for next.
+  void expectLookups(std::span<const std::uint32_t> mediaIds) const {
+    index_->expectLookups(mediaIds);
+  }
+
   // Takes every occurrence of it out of the playlists.
   virtual void removePlaylist(const Playlist* playlist);
 

@@ -47,7 +47,8 @@ void MenuNode::freeChildren() {
 
 void MenuNode::freeOwn() {
   if (branch_->isShared) return;
-  if (branch_->ownsName) delete[] name_;
+  delete[] rare(&Rare::ownedName);
+  delete branch_->rare;
   delete[] branch_->children;
   delete branch_;
 }
@@ -59,12 +60,20 @@ MenuNode::Branch& MenuNode::ownBranch() {
   return *branch_;
 }
 
+MenuNode::Rare& MenuNode::ownRare() {
+  Branch& branch = ownBranch();
+  if (branch.rare == nullptr) {
+    branch.rare = branch.arena == nullptr ? new Rare() : branch.arena->makeRare();
+  }
+  return *branch.rare;
+}
+
 // Makes a track's leaf a node like others, that looks the same.
 void MenuNode::leaveTrack() {
   if (!isTrackLeaf()) return;
   const Track* const track = track_;
   const std::string_view name = getName();
-  ownBranch().track = track;
+  ownRare().track = track;
   nodeType_ = NODE_TYPE_MEDIA;
   mediaId_ = track->getMediaId();
   name_ = name.data();
@@ -79,30 +88,30 @@ void MenuNode::becomeLeafOf(const Track& track, std::uint32_t contentToken) {
 
 void MenuNode::setTrack(const Track* track) {
   leaveTrack();
-  if (track != getTrack()) ownBranch().track = track;
+  if (track != getTrack()) ownRare().track = track;
 }
 
-void MenuNode::setNumber(std::uint8_t MenuNode::*field, std::uint32_t Branch::*wideField,
+void MenuNode::setNumber(std::uint8_t MenuNode::*field, std::uint32_t Rare::*wideField,
                          std::uint32_t value) {
   if (value < kTrackLeaf) {
     this->*field = static_cast<std::uint8_t>(value);
   } else {
-    ownBranch().*wideField = value;
+    ownRare().*wideField = value;
     this->*field = kWide;
   }
 }
 
 void MenuNode::setNodeType(std::uint32_t value) {
   leaveTrack();
-  setNumber(&MenuNode::nodeType_, &Branch::nodeType, value);
+  setNumber(&MenuNode::nodeType_, &Rare::nodeType, value);
 }
 
 void MenuNode::setRecType(std::uint32_t value) {
-  setNumber(&MenuNode::recType_, &Branch::recType, value);
+  setNumber(&MenuNode::recType_, &Rare::recType, value);
 }
 
 void MenuNode::setRating(std::uint32_t value) {
-  setNumber(&MenuNode::rating_, &Branch::rating, value);
+  setNumber(&MenuNode::rating_, &Rare::rating, value);
 }
 
 void MenuNode::setMediaId(std::uint32_t value) {
@@ -111,21 +120,22 @@ void MenuNode::setMediaId(std::uint32_t value) {
 }
 
 void MenuNode::setAttribMask(std::uint32_t value) {
-  if (value != getAttribMask()) ownBranch().attribMask = value;
+  if (value != getAttribMask()) ownRare().attribMask = value;
 }
 
 std::uint32_t MenuNode::setSpare(std::uint32_t value) {
-  if (value != getSpare()) ownBranch().spare = value;
+  if (value != getSpare()) ownRare().spare = value;
   return value;
 }
 
 // Takes a name that outlives the node or, when `isOwned`, one that a node that stands alone is to
-// free; such a node has a branch of its own by then.
+// free; such a node keeps something rare by then.
 void MenuNode::takeName(std::string_view name, bool isOwned) {
   const bool isWide = name.size() >= kWide;
-  if (isWide) ownBranch().nameSize = static_cast<std::uint32_t>(name.size());
-  if (branch_->ownsName) delete[] name_;
-  if (!branch_->isShared) branch_->ownsName = isOwned;
+  if (isWide) ownRare().nameSize = static_cast<std::uint32_t>(name.size());
+  if (Rare* const rare = branch_->rare) {
+    delete[] std::exchange(rare->ownedName, isOwned ? name.data() : nullptr);
+  }
   name_ = name.data();
   nameSize_ = isWide ? kWide : static_cast<std::uint8_t>(name.size());
 }
@@ -154,7 +164,7 @@ void MenuNode::setBorrowedName(std::string_view name) {
 
 void MenuNode::takeCopy(std::string_view front, std::string_view back) {
   NodeArena* const arena = branch_->arena;
-  if (arena == nullptr) ownBranch();  // before there is a copy to be lost
+  if (arena == nullptr) ownRare();  // before there is a copy to be lost
   const std::size_t size = front.size() + back.size();
   char* const copy = arena == nullptr ? new char[size] : arena->makeText(size);
   std::copy(back.begin(), back.end(), std::copy(front.begin(), front.end(), copy));
@@ -174,7 +184,8 @@ void MenuNode::setAll(std::uint32_t nodeType, std::uint32_t mediaId, std::string
 void MenuNode::growChildren() {
   Branch& branch = ownBranch();
   if (branch.count < branch.capacity) return;
-  const std::uint32_t capacity = std::max(4U, 2 * branch.capacity);
+  // Many menus have one child only, hardly any has two or three.
+  const std::uint32_t capacity = branch.capacity == 0 ? 1 : std::max(4U, 2 * branch.capacity);
   NodeArena* const arena = branch.arena;
   MenuNode** const grown = arena ? arena->makeArray(capacity) : new MenuNode*[capacity];
   std::copy(branch.children, branch.children + branch.count, grown);

@@ -101,19 +101,19 @@ class MenuNode {
 
   std::uint32_t getNodeType() const {
     if (nodeType_ < kTrackLeaf) return nodeType_;
-    return isTrackLeaf() ? NODE_TYPE_MEDIA : branch_->nodeType;
+    return isTrackLeaf() ? NODE_TYPE_MEDIA : rare(&Rare::nodeType);
   }
   std::uint32_t getMediaId() const { return isTrackLeaf() ? track_->getMediaId() : mediaId_; }
-  std::uint32_t getRecType() const { return recType_ == kWide ? branch_->recType : recType_; }
-  std::uint32_t getRating() const { return rating_ == kWide ? branch_->rating : rating_; }
-  std::uint32_t getAttribMask() const { return branch_->attribMask; }
-  std::uint32_t getSpare() const { return branch_->spare; }
-  const Track* getTrack() const { return isTrackLeaf() ? track_ : branch_->track; }
+  std::uint32_t getRecType() const { return recType_ == kWide ? rare(&Rare::recType) : recType_; }
+  std::uint32_t getRating() const { return rating_ == kWide ? rare(&Rare::rating) : rating_; }
+  std::uint32_t getAttribMask() const { return rare(&Rare::attribMask); }
+  std::uint32_t getSpare() const { return rare(&Rare::spare); }
+  const Track* getTrack() const { return isTrackLeaf() ? track_ : rare(&Rare::track); }
 
   // The stored bytes in place; good until the name is set again.
   std::string_view getName() const {
     if (isTrackLeaf()) return storedForm(track_->getTitle());
-    return {name_, nameSize_ == kWide ? branch_->nameSize : nameSize_};
+    return {name_, nameSize_ == kWide ? rare(&Rare::nameSize) : nameSize_};
   }
 
   // Says that id and name will soon be asked for. A track's leaf has them in its track, whose title
@@ -169,24 +169,29 @@ class MenuNode {
  private:
   friend class NodeArena;
 
-  // What a node has beyond the 24 bytes. Nodes that need nothing of it share one that is all zero,
-  // the arena's or, outside arenas, a static one.
-  struct Branch {
-    NodeArena* arena = nullptr;  // where the node lives; nullptr for one that stands alone
-    bool isShared = false;
-    bool ownsName = false;  // only of a node that stands alone
-    MenuNode** children = nullptr;
-    std::uint32_t count = 0;
-    std::uint32_t capacity = 0;
-    std::uint32_t cursor = 0;
-    std::uint32_t nodeType = 0;  // these four count when the node's own field says kWide
+  // What few nodes have.
+  struct Rare {
+    const char* ownedName = nullptr;  // to be freed with the node, which stands alone
+    const Track* track = nullptr;     // where it isn't in the node
+    std::uint32_t nodeType = 0;       // these four count when the node's own field says kWide
     std::uint32_t recType = 0;
     std::uint32_t rating = 0;
     std::uint32_t nameSize = 0;
     std::uint32_t attribMask = 0;
     std::uint32_t spare = 0;
-    const Track* track = nullptr;  // where it isn't in the node
-    MenuNode* parent = nullptr;    // the way back up while a subtree is being freed
+  };
+
+  // What a node has beyond the 24 bytes. Nodes that need nothing of it share one without contents,
+  // the arena's or, outside arenas, a static one.
+  struct Branch {
+    Rare* rare = nullptr;
+    NodeArena* arena = nullptr;  // where the node lives; nullptr for one that stands alone
+    MenuNode** children = nullptr;
+    MenuNode* parent = nullptr;  // the way back up while a subtree is being freed
+    std::uint32_t count = 0;
+    std::uint32_t capacity = 0;
+    std::uint32_t cursor = 0;
+    bool isShared = false;
   };
 
   static constexpr std::uint8_t kWide = 0xFF;
@@ -197,8 +202,14 @@ class MenuNode {
   bool isTrackLeaf() const { return nodeType_ == kTrackLeaf; }
   void leaveTrack();
   Branch& ownBranch();
-  void setNumber(std::uint8_t MenuNode::*field, std::uint32_t Branch::*wideField,
+  Rare& ownRare();
+  void setNumber(std::uint8_t MenuNode::*field, std::uint32_t Rare::*wideField,
                  std::uint32_t value);
+
+  template <typename Value>
+  Value rare(Value Rare::*field) const {
+    return branch_->rare == nullptr ? Value{} : branch_->rare->*field;
+  }
   void takeName(std::string_view name, bool isOwned);
   void takeCopy(std::string_view front, std::string_view back);
   MenuNode* makeChild();

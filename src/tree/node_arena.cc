@@ -20,6 +20,10 @@ MenuNode::Branch* NodeArena::makeBranch() {
   return new (place) MenuNode::Branch{.arena = this};
 }
 
+MenuNode::Rare* NodeArena::makeRare() {
+  return new (memory_.allocate(sizeof(MenuNode::Rare), alignof(MenuNode::Rare))) MenuNode::Rare();
+}
+
 MenuNode** NodeArena::makeArray(std::uint32_t capacity) {
   auto& spare = spareArrays_[static_cast<std::size_t>(std::countr_zero(capacity))];
   if (!spare.empty()) {

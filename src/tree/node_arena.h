@@ -31,6 +31,7 @@ class NodeArena {
 
   char* makeText(std::size_t size) { return static_cast<char*>(memory_.allocate(size, 1)); }
   MenuNode::Branch* makeBranch();
+  MenuNode::Rare* makeRare();
 
   // Arrays of a power of two of pointers; those given back are used again.
   MenuNode** makeArray(std::uint32_t capacity);
