@@ -1,7 +1,6 @@
 #include "tree/arena.h"
 
 #include <algorithm>
-#include <memory>
 
 #include "tree/huge_pages.h"
 
@@ -22,22 +21,19 @@ void Arena::addBlock(std::size_t size) {
   blocks_.back() = {allocateLarge(size), size};
 }
 
-void* Arena::allocate(std::size_t size, std::size_t alignment) {
-  void* place = free_;
-  if (std::align(alignment, size, place, freeSize_) == nullptr) {
-    // What would take much of a block gets one to itself, so that little is left unused.
-    if (size > nextSize_ / 4) {
-      addBlock(size);
-      return blocks_.back().memory;
-    }
-    addBlock(nextSize_);
-    place = blocks_.back().memory;
-    freeSize_ = nextSize_;
-    nextSize_ = std::min(2 * nextSize_, kLargestBlock);
+// Blocks are aligned for anything.
+void* Arena::allocateInNewBlock(std::size_t size) {
+  // What would take much of a block gets one to itself, so that little is left unused.
+  if (size > nextSize_ / 4) {
+    addBlock(size);
+    return blocks_.back().memory;
   }
-  free_ = static_cast<std::byte*>(place) + size;
-  freeSize_ -= size;
-  return place;
+  addBlock(nextSize_);
+  auto* const memory = static_cast<std::byte*>(blocks_.back().memory);
+  free_ = memory + size;
+  freeSize_ = nextSize_ - size;
+  nextSize_ = std::min(2 * nextSize_, kLargestBlock);
+  return memory;
 }
 
 std::string_view Arena::keep(std::string_view text) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 #include <vector>
 
@@ -16,7 +17,14 @@ class Arena {
   ~Arena();
 
   // `size` bytes. `alignment` is a power of two, at most that of std::max_align_t.
-  void* allocate(std::size_t size, std::size_t alignment);
+  void* allocate(std::size_t size, std::size_t alignment) {
+    const std::size_t skipped = -reinterpret_cast<std::uintptr_t>(free_) & (alignment - 1);
+    if (freeSize_ < skipped || freeSize_ - skipped < size) return allocateInNewBlock(size);
+    std::byte* const place = free_ + skipped;
+    free_ = place + size;
+    freeSize_ -= skipped + size;
+    return place;
+  }
 
   // A view of a copy of `text`.
   std::string_view keep(std::string_view text);
@@ -27,6 +35,7 @@ class Arena {
     std::size_t size;
   };
 
+  void* allocateInNewBlock(std::size_t size);
   void addBlock(std::size_t size);
 
   std::vector<Block> blocks_;

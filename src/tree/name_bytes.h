@@ -1,8 +1,9 @@
 #pragma once
 
-#include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 namespace Orvane {
@@ -12,11 +13,12 @@ namespace Orvane {
 // leave open which of two names that differ in their zero bytes at the end comes first.
 inline std::uint64_t nameBytesAt(std::string_view name, std::size_t offset) {
   std::uint64_t bytes = 0;
-  const std::size_t end = std::min(offset + sizeof(bytes), name.size());
-  for (std::size_t i = offset; i < end; ++i) {
-    bytes |= std::uint64_t{static_cast<std::uint8_t>(name[i])} << (56 - 8 * (i - offset));
+  if (name.size() >= offset + sizeof(bytes)) {
+    std::memcpy(&bytes, name.data() + offset, sizeof(bytes));
+  } else if (name.size() > offset) {
+    std::memcpy(&bytes, name.data() + offset, name.size() - offset);
   }
-  return bytes;
+  return std::endian::native == std::endian::little ? __builtin_bswap64(bytes) : bytes;
 }
 
 }  // namespace Orvane
