@@ -25,6 +25,7 @@ set(skein_test_sources
 add_executable(skein_unit_tests ${skein_test_sources})
 target_link_libraries(skein_unit_tests PRIVATE
   skein_test_support skeinmake_lib nlohmann_json::nlohmann_json GTest::gmock GTest::gtest_main)
+target_precompile_headers(skein_unit_tests PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
 skeinmake_configure(skein_unit_tests)
 target_compile_definitions(skein_unit_tests PRIVATE
   SKEIN_CORPUS="${PROJECT_SOURCE_DIR}/fuzz/corpus/inventory_view")
