@@ -11,6 +11,7 @@ set(skein_test_sources
   unit/reader_inventory_check_test.cc
   unit/reader_inventory_view_test.cc
   unit/reader_mapped_file_test.cc
+  unit/reader_odd_files_test.cc
   unit/reader_text_test.cc
   unit/reader_tree_diff_test.cc
   unit/reader_tree_walk_test.cc
@@ -18,6 +19,7 @@ set(skein_test_sources
   unit/skein_decompile_test.cc
   unit/skein_dump_test.cc
   unit/skein_hostile_test.cc
+  unit/skein_interrupted_test.cc
   unit/skein_output_test.cc
   unit/skein_round_trip_test.cc
   unit/skein_stats_test.cc
@@ -37,5 +39,9 @@ add_test(NAME skein_schemas
     --inventories "${PROJECT_SOURCE_DIR}/fuzz/corpus/inventory_view")
 add_test(NAME skein_streams
   COMMAND Python3::Interpreter "${CMAKE_CURRENT_SOURCE_DIR}/skein_streams_test.py"
+    --skein "$<TARGET_FILE:skein>"
+    --inventories "${PROJECT_SOURCE_DIR}/fuzz/corpus/inventory_view")
+add_test(NAME skein_system
+  COMMAND Python3::Interpreter "${CMAKE_CURRENT_SOURCE_DIR}/skein_system_test.py"
     --skein "$<TARGET_FILE:skein>"
     --inventories "${PROJECT_SOURCE_DIR}/fuzz/corpus/inventory_view")

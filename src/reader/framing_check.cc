@@ -80,7 +80,6 @@ class FramingCheck {
 
   // Where the stated number of records of a table ends.
   std::uint64_t statedEnd(std::size_t table) const {
-    if (!view_.descriptor(table)) return 0;
     return view_.tableOffset(table) + std::uint64_t{view_.statedCount(table)} *
                                           InventoryView::recordSize(view_.layout(), table);
   }

@@ -1,3 +1,4 @@
+#include "reader/text_escape.h"
 #include "skein/check.h"
 #include "skein/console.h"
 #include "skein/verb.h"
@@ -31,7 +32,7 @@ error_t parse(int key, char* arg, argp_state* state) {
       return 0;
     case 'W':
       if (!input->options.settings.apply(arg)) {
-        argp_error(state, "-W %s: no such rule; --list-rules names them all", arg);
+        argp_error(state, "-W %s: no such rule; --list-rules names them all", escaped(arg).c_str());
       }
       return 0;
     case kLimit:

@@ -12,6 +12,7 @@
 #include <cstring>
 #include <system_error>
 
+#include "reader/text_escape.h"
 #include "skein/exit_status.h"
 #include "skein/version.h"
 
@@ -59,7 +60,7 @@ void setColor(argp_state* state, CommonOptions& options, std::string_view when) 
   } else if (when == "never") {
     options.color = ColorChoice::kNever;
   } else {
-    argp_error(state, "--color takes auto, always or never, not '%s'", when.data());
+    argp_error(state, "--color takes auto, always or never, not '%s'", escaped(when).c_str());
   }
 }
 
@@ -71,7 +72,7 @@ void setFormat(argp_state* state, CommonOptions& options, std::string_view forma
   } else if (format == "jsonl") {
     options.format = Format::kJsonLines;
   } else {
-    argp_error(state, "--format takes text, json or jsonl, not '%s'", format.data());
+    argp_error(state, "--format takes text, json or jsonl, not '%s'", escaped(format).c_str());
   }
 }
 
@@ -96,7 +97,8 @@ void addFilesFrom(CommonOptions& options, const std::string& list) {
   std::string text;
   if (!readList(list, text)) {
     const std::string reason = std::generic_category().message(errno);
-    static_cast<void>(std::fprintf(stderr, "skein: %s: error: %s\n", list.c_str(), reason.c_str()));
+    static_cast<void>(
+        std::fprintf(stderr, "skein: %s: error: %s\n", escaped(list).c_str(), reason.c_str()));
     std::exit(kStatusTrouble);
   }
   const char separator = text.find('\0') == std::string::npos ? '\n' : '\0';
@@ -172,8 +174,9 @@ std::uint32_t parseNumber(argp_state* state, const char* option, const char* tex
   std::uint32_t value = 0;
   const char* const end = text + std::strlen(text);
   const auto result = std::from_chars(text, end, value);
-  if (result.ec != std::errc{} || result.ptr != end || text == end) {
-    argp_error(state, "%s takes a number from 0 to 4294967295, not '%s'", option, text);
+  if (result.ec != std::errc{} || result.ptr != end) {
+    argp_error(state, "%s takes a number from 0 to 4294967295, not '%s'", option,
+               escaped(text).c_str());
   }
   return value;
 }

@@ -30,7 +30,8 @@ error_t parse(int key, char* arg, argp_state* state) {
       return 0;
     case kPath: {
       auto path = splitPath(arg);
-      if (!path) argp_error(state, "--path: a backslash in '%s' begins no escape", arg);
+      if (!path)
+        argp_error(state, "--path: a backslash in '%s' begins no escape", escaped(arg).c_str());
       input->options.path = *std::move(path);
       return 0;
     }

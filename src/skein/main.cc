@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "reader/text_escape.h"
 #include "skein/common_options.h"
 #include "skein/exit_status.h"
 #include "skein/verb.h"
@@ -79,8 +80,8 @@ int dispatch(std::span<char*> words) {
     return verb.run(static_cast<int>(rest.size()) - 1, rest.data());
   }
   const bool isOption = word.size() > 1 && word.front() == '-';
-  if (isOption) return usageError("unrecognized option '" + std::string(word) + "'");
-  return usageError("no such verb: " + std::string(word));
+  if (isOption) return usageError("unrecognized option '" + escaped(word) + "'");
+  return usageError("no such verb: " + escaped(word));
 }
 
 }  // namespace

@@ -6,6 +6,8 @@
 #include <fstream>
 #include <map>
 
+#include "errors/printable.h"
+
 namespace Orvane::plain {
 namespace {
 
@@ -21,7 +23,7 @@ std::uint32_t id(const std::string& text) {
 }
 
 std::string place(const std::string& name, int line) {
-  return name + ":" + std::to_string(line) + ": ";
+  return printable(name) + ":" + std::to_string(line) + ": ";
 }
 
 void readTracks(PlainInventory& inventory, std::istream& file, const std::string& name,
@@ -31,7 +33,8 @@ void readTracks(PlainInventory& inventory, std::istream& file, const std::string
     if (line.find('|') == std::string::npos) continue;
     const std::vector<std::string> fields = plainSplit(line, "|");
     if (fields.size() < 8) {
-      reading.complaints.push_back(place(name, lineNumber));
+      reading.complaints.push_back(place(name, lineNumber) + "expected 8 fields, found " +
+                                   std::to_string(fields.size()) + ": line skipped");
       continue;
     }
     PlainTrack track;
@@ -87,7 +90,8 @@ void readPlaylists(PlainInventory& inventory, std::istream& file, const std::str
         playlist.tracks.push_back(latest.at(mediaId));
       }
       if (!lines.next()) {
-        reading.complaints.push_back(place(name, lines.count));
+        reading.complaints.push_back(place(name, lines.count) + "playlist \"" +
+                                     printable(playlistName) + "\" has no closing -1");
         return;
       }
     }

@@ -12,7 +12,8 @@ namespace Orvane::plain {
 // What reading two list files came to, besides the inventory.
 struct PlainReading {
   std::string output;  // on standard output
-  // The places that standard error names, such as "tracks.txt:12: ", one a line, in order.
+  // The lines on standard error, in order, such as "tracks.txt:12: expected 8 fields, found 7: line
+  // skipped".
   std::vector<std::string> complaints;
 };
 

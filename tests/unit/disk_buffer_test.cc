@@ -158,6 +158,16 @@ TEST_F(DiskBufferStream, WriteThatMeetsAFullDiskThrows) {
                              kWriteMessage);
 }
 
+TEST_F(DiskBufferStream, NothingIsWrittenBehindAFailure) {
+  OpenDiskBuffer buffer(path_);
+  ASSERT_TRUE(buffer.openForWrite());
+  put(buffer, "before");
+  EXPECT_EQ(buffer.seek(-100, 0), -1);
+  putFails(buffer);
+  EXPECT_TRUE(buffer.close());
+  EXPECT_EQ(test::readFile(path_), "before");
+}
+
 TEST_F(DiskBufferStream, CloseThatMeetsAFullDiskThrowsAndIsClosed) {
   const std::size_t before = openDescriptors();
   OpenDiskBuffer buffer("/dev/full");

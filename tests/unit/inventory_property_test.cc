@@ -5,60 +5,19 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <iostream>
-#include <memory>
 #include <random>
-#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "inventory/list_files.h"
-#include "inventory/menu_builder.h"
-#include "output/one_table_writer.h"
-#include "output/two_table_writer.h"
-#include "plain/plain_comparison.h"
-#include "plain/plain_list_files.h"
-#include "plain/plain_writer.h"
 #include "random_inventory.h"
-#include "recording_buffer.h"
+#include "same_as_plain.h"
 #include "test_support.h"
 
 namespace Orvane::test {
 namespace {
 
 constexpr std::uint32_t kInventories = 2000;
-
-// The trees that follow from a filled manager.
-struct Trees {
-  MenuTree tree;
-  std::unique_ptr<plain::PlainNode> root = plain::plainRoot();
-};
-
-void buildSameTrees(const TrackManager& manager, const plain::PlainInventory& inventory,
-                    Trees& trees) {
-  buildMenuFromInventory(manager, trees.tree);
-  plain::plainBuildMenu(inventory, *trees.root);
-  ASSERT_EQ(plain::differenceOf(*trees.tree.getRoot(), *trees.root), "");
-
-  MenuTree::sortTree(trees.tree.getRoot());
-  plain::plainSortTree(*trees.root);
-  ASSERT_EQ(plain::differenceOf(*trees.tree.getRoot(), *trees.root), "");
-}
-
-// The files, too; the plain one takes time that grows with the square of the inventory.
-void expectSameMenus(const TrackManager& manager, const plain::PlainInventory& inventory) {
-  Trees trees;
-  ASSERT_NO_FATAL_FAILURE(buildSameTrees(manager, inventory, trees));
-  const auto& [tree, root] = trees;
-
-  RecordingBuffer twoTables;
-  writeTwoTable(tree, twoTables);
-  ASSERT_TRUE(twoTables.content == plain::plainTwoTableFile(*root)) << "two-table bytes";
-  RecordingBuffer oneTable;
-  writeOneTable(tree, oneTable);
-  ASSERT_TRUE(oneTable.content == plain::plainOneTableFile(*root)) << "one-table bytes";
-}
 
 // A manager and a plain inventory that get the same calls.
 class Both {
@@ -142,18 +101,6 @@ void remove(RandomInventory& random, Both& both) {
   }
 }
 
-// Each line of `text` must begin with its place.
-void expectPlaces(const std::string& text, const std::vector<std::string>& places) {
-  std::istringstream lines(text);
-  std::string line;
-  std::size_t count = 0;
-  for (; std::getline(lines, line); ++count) {
-    ASSERT_LT(count, places.size()) << text;
-    ASSERT_EQ(line.substr(0, places[count].size()), places[count]);
-  }
-  ASSERT_EQ(count, places.size()) << text;
-}
-
 TEST(InventoryProperty, FilledThroughTheManager) {
   for (std::uint32_t seed = 0; seed < kInventories; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
@@ -194,18 +141,7 @@ TEST(InventoryProperty, ReadFromListFiles) {
     const std::string playlists = random.oneIn(20) ? dir / "" : playlistsPath;
     const bool withPlaylistIds = !random.oneIn(4);
 
-    TrackManager manager;
-    const CapturedStream output(std::cout);
-    const CapturedStream complaints(std::cerr);
-    readInventoryFiles(manager, tracks.c_str(), playlists.c_str(), withPlaylistIds);
-    plain::PlainInventory inventory;
-    const plain::PlainReading reading =
-        plain::plainReadListFiles(inventory, tracks, playlists, withPlaylistIds);
-
-    ASSERT_EQ(output.text(), reading.output);
-    ASSERT_NO_FATAL_FAILURE(expectPlaces(complaints.text(), reading.complaints));
-    ASSERT_EQ(plain::differenceOf(manager, inventory), "");
-    ASSERT_NO_FATAL_FAILURE(expectSameMenus(manager, inventory));
+    ASSERT_NO_FATAL_FAILURE(expectSameReading(tracks, playlists, withPlaylistIds));
   }
 }
 

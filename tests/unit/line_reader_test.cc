@@ -5,8 +5,10 @@
 #include <sys/stat.h>
 
 #include <cstddef>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <random>
 #include <string>
 #include <string_view>
@@ -177,6 +179,22 @@ TEST(LineReader, DoesNotOpenWhatIsNoFile) {
   writeFile(dir / "file", "");
   EXPECT_TRUE(LineReader((dir / "file").c_str()).isOpen());
   EXPECT_FALSE(LineReader((dir / "file/below").c_str()).isOpen());
+}
+
+TEST(LineReader, LeavesNoFileOpen) {
+  const TempDir dir;
+  writeFile(dir / "file", "line\n");
+  const auto openFiles = [] {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+  };
+  const auto before = openFiles();
+  {
+    const LineReader reader((dir / "file").c_str());
+    EXPECT_EQ(openFiles(), before + 1);
+    EXPECT_FALSE(LineReader((dir / "").c_str()).isOpen());
+    EXPECT_EQ(openFiles(), before + 1);
+  }
+  EXPECT_EQ(openFiles(), before);
 }
 
 // The process's own memory can be opened, but there is nothing at address 0 to read.

@@ -85,6 +85,8 @@ TEST(MenuNode, SetSpareReturnsWhatItStores) {
   MenuNode node;
   EXPECT_EQ(node.setSpare(77), 77U);
   EXPECT_EQ(node.getSpare(), 77U);
+  EXPECT_EQ(node.setSpare(77), 77U);
+  EXPECT_EQ(node.getSpare(), 77U);
 }
 
 TEST(MenuNode, SetTrackStoresThePointerOnly) {
@@ -244,6 +246,7 @@ TEST(MenuNode, LookingAtTheEndsLeavesTheCursor) {
   EXPECT_TRUE(node.hasMoreChildren());
   EXPECT_EQ(node.nextChild(), node.childrenEnd());
   EXPECT_FALSE(node.hasMoreChildren());
+  EXPECT_EQ(node.nextChild(), node.childrenEnd()) << "there is nothing behind the end";
 }
 
 TEST(MenuNode, WalksOfDifferentNodesAreIndependent) {

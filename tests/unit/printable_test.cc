@@ -37,6 +37,13 @@ TEST(Printable, ShowsWhatIsNoUtf8InHexadecimal) {
   EXPECT_EQ(printable("\xC3\xC3\xA9"), "\\xC3\xC3\xA9");
 }
 
+// What stands behind the text in memory would make the last character whole.
+TEST(Printable, LooksAtTheTextOnly) {
+  EXPECT_EQ(printable(std::string_view("\xC3\xA9", 1)), "\\xC3");
+  EXPECT_EQ(printable(std::string_view("\xE2\x82\xAC", 2)), "\\xE2\\x82");
+  EXPECT_EQ(printable(std::string_view("\xF0\x9F\x8E\xB5", 3)), "\\xF0\\x9F\\x8E");
+}
+
 TEST(Printable, AcceptsOnlyShortestFormsOfRealCodePoints) {
   EXPECT_EQ(printable("\xC0\x80\xC1\xBF"), "\\xC0\\x80\\xC1\\xBF");
   EXPECT_EQ(printable("\xE0\x9F\xBF"), "\\xE0\\x9F\\xBF");

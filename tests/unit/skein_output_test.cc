@@ -246,5 +246,58 @@ TEST_F(OutputFileTest, WritesToADeviceDirectly) {
   EXPECT_TRUE(std::filesystem::exists("/dev/full"));
 }
 
+TEST_F(OutputFileTest, ADeviceStaysADevice) {
+  const auto output = OutputFile::create("/dev/null", file("in"), error_);
+  ASSERT_NE(output, nullptr) << error_;
+  EXPECT_TRUE(output->sink().put("x"));
+  EXPECT_TRUE(output->commit(error_)) << error_;
+  EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+}
+
+TEST_F(OutputFileTest, MayReplaceAnyFileButTheInput) {
+  std::ofstream(file("in")) << "precious";
+  std::ofstream(file("out")) << "old";
+  EXPECT_NE(OutputFile::create(file("out"), file("in"), error_), nullptr) << error_;
+  EXPECT_NE(OutputFile::create(file("out"), "/proc/self/status", error_), nullptr) << error_;
+  EXPECT_NE(OutputFile::create(file("out"), file("missing"), error_), nullptr) << error_;
+  const int saved = ::dup(STDIN_FILENO);
+  const int in = ::open(file("in").c_str(), O_RDONLY | O_CLOEXEC);
+  ::dup2(in, STDIN_FILENO);
+  EXPECT_EQ(OutputFile::create(file("in"), "-", error_), nullptr);
+  EXPECT_NE(OutputFile::create(file("out"), "-", error_), nullptr) << error_;
+  ::dup2(saved, STDIN_FILENO);
+  ::close(saved);
+  ::close(in);
+}
+
+TEST_F(OutputFileTest, SaysWhyItCannotTakeItsPlace) {
+  const auto output = OutputFile::create(file("out"), file("in"), error_);
+  ASSERT_NE(output, nullptr) << error_;
+  std::filesystem::create_directory(file("out"));
+  EXPECT_FALSE(output->commit(error_));
+  EXPECT_EQ(error_, "Is a directory");
+  EXPECT_TRUE(std::filesystem::is_directory(file("out")));
+}
+
+// A file's descriptor is the lowest that is free; one taken away from it can't be closed.
+TEST_F(OutputFileTest, TellsTheFirstFailure) {
+  const int next = ::dup(STDIN_FILENO);
+  for (const bool written : {false, true}) {
+    ::close(next);
+    const auto output = OutputFile::create(file("out"), file("in"), error_);
+    ASSERT_NE(output, nullptr) << error_;
+    ::close(next);
+    if (written) {
+      const int full = ::open("/dev/full", O_WRONLY | O_CLOEXEC);
+      ASSERT_EQ(full, next);
+      EXPECT_FALSE(output->sink().put("x"));
+      ::close(full);
+    }
+    EXPECT_FALSE(output->commit(error_));
+    EXPECT_EQ(error_, written ? "No space left on device" : "Bad file descriptor");
+    EXPECT_FALSE(std::filesystem::exists(file("out")));
+  }
+}
+
 }  // namespace
 }  // namespace Orvane

@@ -43,7 +43,12 @@ class TempDir {
   std::filesystem::path path_;
 };
 
+// A file of that name is replaced, not overwritten: file systems may wait for the disk when a file
+// is cut off and written again.
 inline void writeFile(const std::string& path, std::string_view content) {
+  if (std::filesystem::is_regular_file(std::filesystem::symlink_status(path))) {
+    std::filesystem::remove(path);
+  }
   std::ofstream file(path, std::ios::binary);
   file.write(content.data(), static_cast<std::streamsize>(content.size()));
   if (!file.flush()) throw std::runtime_error("cannot write " + path);

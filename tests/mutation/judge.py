@@ -1,0 +1,146 @@
+"""Runs the fast tests on mutated programs and tells whether one fails."""
+
+import errno
+import hashlib
+import json
+import os
+import pickle
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+from dataclasses import dataclass
+from pathlib import Path
+
+sys.dont_write_bytecode = True
+HERE = Path(__file__).resolve().parent
+sys.path.insert(0, str(HERE.parent / "golden"))
+from case_file import Case, CaseError, read_case  # noqa: E402
+import run as golden  # noqa: E402
+
+# A test that takes longer is left out.
+SLOWEST = 1.0
+# One that takes longer than this runs only when all that are faster have passed.
+QUICK = 0.03
+
+
+@dataclass
+class GroupOfTests:
+    """Some tests of one GoogleTest program."""
+    program: str
+    filter: str
+    seconds: float  # that they take together
+
+    def fails(self, directory: Path, scratch: Path) -> bool:
+        # Whatever a mutant does to its speed, the machine may be busy as well.
+        limit = 4 + 5 * self.seconds
+        # The filter can be longer than a word of a command line may be.
+        environment = {"PATH": os.defpath, "GTEST_FILTER": self.filter, "GTEST_FAIL_FAST": "1",
+                       "GTEST_BRIEF": "1", "TMPDIR": str(scratch), "LC_ALL": "C"}
+        process = start([directory / self.program], cwd=scratch, env=environment,
+                        stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                        stderr=subprocess.DEVNULL, start_new_session=True)
+        try:
+            return process.wait(limit) != 0
+        except subprocess.TimeoutExpired:
+            return True
+        finally:
+            try:
+                os.killpg(process.pid, signal.SIGKILL)
+            except ProcessLookupError:
+                pass
+            process.wait()
+
+
+def start(command: list, **options) -> subprocess.Popen:
+    """A program that was written to just now may still be held open by a dying child."""
+    for _ in range(50):
+        try:
+            return subprocess.Popen(command, **options)
+        except OSError as error:
+            if error.errno != errno.ETXTBSY:
+                raise
+            time.sleep(0.02)
+    raise RuntimeError(f"{command[0]}: remains busy")
+
+
+def digest(paths: list[Path]) -> str:
+    content = hashlib.sha256()
+    for path in paths:
+        content.update(hashlib.sha256(path.read_bytes()).digest())
+    return content.hexdigest()[:16]
+
+
+class Judge:
+    def __init__(self, unit_programs: list[str], golden_programs: list[str], cases: Path | None,
+                 memory: Path):
+        self.unit_programs = unit_programs
+        self.golden_programs = golden_programs
+        self.cases = cases
+        self.memory = memory  # a folder to keep what was learnt in
+        self.groups: dict[str, list[GroupOfTests]] = {}
+        self.expected: list[tuple[Case, golden.Outcome]] = []
+
+    def learn(self, directory: Path) -> None:
+        """Takes in what the unchanged programs do. Raises CalledProcessError when a test fails."""
+        programs = self.unit_programs + self.golden_programs
+        cases = sorted(self.cases.rglob("*.txt")) if self.cases else []
+        stamp = digest([directory / name for name in programs] + cases)
+        known = self.memory / f"{stamp}.pickle"
+        if not known.exists():
+            timings = {name: self.time_tests(directory / name) for name in self.unit_programs}
+            expected = [(case, golden.run_case(case, self.setup(directory)))
+                        for case in map(read_case, cases) if case.program in self.golden_programs]
+            self.memory.mkdir(parents=True, exist_ok=True)
+            known.write_bytes(pickle.dumps((timings, expected)))
+        timings, self.expected = pickle.loads(known.read_bytes())
+        self.groups = {name: self.group(name, tests) for name, tests in timings.items()}
+
+    @staticmethod
+    def time_tests(program: Path) -> dict[str, float]:
+        with tempfile.TemporaryDirectory(prefix="mutation-") as scratch:
+            report = Path(scratch, "report.json")
+            subprocess.run([program, f"--gtest_output=json:{report}"], cwd=scratch, check=True,
+                           stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                           stderr=subprocess.DEVNULL)
+            suites = json.loads(report.read_text())["testsuites"]
+        return {f"{suite['name']}.{test['name']}": float(test["time"].removesuffix("s"))
+                for suite in suites for test in suite["testsuite"]}
+
+    @staticmethod
+    def group(program: str, tests: dict[str, float]) -> list[GroupOfTests]:
+        quick = {name: s for name, s in tests.items() if s <= QUICK}
+        others = {name: s for name, s in tests.items() if QUICK < s <= SLOWEST}
+        return [GroupOfTests(program, ":".join(group), sum(group.values()))
+                for group in (quick, others) if group]
+
+    @staticmethod
+    def setup(directory: Path) -> golden.Setup:
+        return golden.Setup(directory, "", 5, False)
+
+    def catches(self, directory: Path, preferred: list[str]) -> bool:
+        """Whether a test fails with the programs in `directory`; those of `preferred` come
+        first."""
+        programs = sorted(self.unit_programs, key=lambda program: program not in preferred)
+        with tempfile.TemporaryDirectory(prefix="mutation-") as scratch:
+            for rank in (0, 1):
+                for program in programs:
+                    if any(group.fails(directory, Path(scratch))
+                           for group in self.groups[program][rank:rank + 1]):
+                        return True
+                if rank == 0 and self.golden_case_fails(directory):
+                    return True
+        return False
+
+    def golden_case_fails(self, directory: Path) -> bool:
+        for i, (case, expected) in enumerate(self.expected):
+            try:
+                outcome = golden.run_case(case, self.setup(directory))
+            except CaseError:  # it didn't end in time
+                outcome = None
+            if outcome != expected:
+                # The next mutant is likely to be one of the same function.
+                self.expected.insert(0, self.expected.pop(i))
+                return True
+        return False

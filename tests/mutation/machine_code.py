@@ -1,0 +1,203 @@
+"""Mutants of compiled programs: each conditional instruction made unconditional, in place.
+
+A conditional jump is taken always or never, a conditional set stores 1 or 0, a conditional move
+moves always or never. The new bytes are as long as the old ones, so nothing is assembled or linked
+again: a mutant costs a few bytes written into a copy of each program that holds the function.
+"""
+
+import errno
+import hashlib
+import re
+import struct
+import subprocess
+import time
+from collections import defaultdict
+from dataclasses import dataclass
+from pathlib import Path
+from typing import BinaryIO
+
+NOP = b"\x90"
+ALWAYS, NEVER = "always", "never"
+
+FUNCTION = re.compile(r"^([0-9a-f]+) <(.+)>:$")
+INSTRUCTION = re.compile(r"^ *([0-9a-f]+):\t((?:[0-9a-f]{2} )+) *\t(\w+)")
+# The standard library's templates may stand in our object files, but they aren't ours to test.
+# Neither is what runs the constructors of global objects.
+FOREIGN = re.compile(r"^_ZN?K?(S[tabsiod]|9__gnu_cxx)|__static_initialization|^_GLOBAL__")
+CONDITIONAL = re.compile(r"^(j(?!mp)|set|cmov)[a-z]+$")
+
+
+def open_idle(program: Path) -> BinaryIO:
+    """Opens a program for writing, which may have to wait for a killed child to be gone."""
+    for _ in range(200):
+        try:
+            return open(program, "r+b", buffering=0)
+        except OSError as error:
+            if error.errno != errno.ETXTBSY:
+                raise
+            time.sleep(0.02)
+    raise RuntimeError(f"{program}: remains busy")
+
+
+@dataclass(frozen=True)
+class Patch:
+    program: Path
+    position: int  # in the file
+    old: bytes
+    new: bytes
+
+    def apply(self, directory: Path, undo: bool = False) -> None:
+        """Changes the copy of the program in `directory`."""
+        with open_idle(directory / self.program.name) as file:
+            file.seek(self.position)
+            if file.read(len(self.old)) != (self.new if undo else self.old):
+                raise RuntimeError(f"{self.program.name}: not the program that was analysed")
+            file.seek(self.position)
+            file.write(self.old if undo else self.new)
+
+
+@dataclass(frozen=True)
+class CodeMutant:
+    name: str  # the same for the same code, whatever else is in the program
+    file: str
+    line: int
+    function: str
+    way: str  # ALWAYS or NEVER
+    patches: tuple[Patch, ...]
+
+
+def unconditional(code: bytes, way: str) -> bytes | None:
+    """The instruction `code` as if its condition held always or never; None if it is none that is
+    known here."""
+    prefix = b""
+    rest = code
+    while rest and (rest[0] in (0x66, 0xF2, 0x3E) or 0x40 <= rest[0] <= 0x4F):
+        prefix, rest = prefix + rest[:1], rest[1:]
+    always = way == ALWAYS
+    if len(rest) == 2 and 0x70 <= rest[0] <= 0x7F:
+        return prefix + b"\xeb" + rest[1:] if always else NOP * len(code)
+    if len(rest) < 3 or rest[0] != 0x0F:
+        return None
+    kind = rest[1] & 0xF0
+    if kind == 0x80 and len(rest) == 6:  # the target counts from the end, which stays in place
+        return prefix + NOP + b"\xe9" + rest[2:] if always else NOP * len(code)
+    if kind == 0x90:
+        return prefix + b"\xc6" + bytes([rest[2] & 0xC7]) + rest[3:] + bytes([always])
+    if kind == 0x40:
+        return NOP + prefix + b"\x8b" + rest[2:] if always else NOP * len(code)
+    return None
+
+
+@dataclass(frozen=True)
+class Conditional:
+    symbol: str
+    offset: int  # in the function
+    position: int
+    code: bytes
+    mnemonic: str
+    file: str
+    line: int
+
+
+def file_offsets(program: Path) -> list[tuple[int, int, int]]:
+    """(address, size, position in the file) of what is loaded from a 64-bit ELF file."""
+    data = program.read_bytes()
+    (start,) = struct.unpack_from("<Q", data, 32)
+    size, count = struct.unpack_from("<HH", data, 54)
+    loaded = []
+    for i in range(count):
+        kind, _, offset, address, _, length = struct.unpack_from("<IIQQQQ", data, start + i * size)
+        if kind == 1:
+            loaded.append((address, length, offset))
+    return loaded
+
+
+def conditionals(program: Path, base: Path) -> list[Conditional]:
+    """The conditional instructions of a program that come from files in `base`/src."""
+    listing = subprocess.run(["objdump", "-d", "-w", program], capture_output=True, text=True,
+                             check=True).stdout
+    found = []
+    symbol, start = "", 0
+    for line in listing.splitlines():
+        if match := FUNCTION.match(line):
+            symbol, start = match[2], int(match[1], 16)
+        elif (match := INSTRUCTION.match(line)) and CONDITIONAL.match(match[3]):
+            address = int(match[1], 16)
+            found.append((symbol, address - start, address, bytes.fromhex(match[2]), match[3]))
+    places = source_places(program, base, [address for _, _, address, _, _ in found])
+    loaded = file_offsets(program)
+
+    def position(address: int) -> int:
+        return next(offset + address - begin for begin, size, offset in loaded
+                    if begin <= address < begin + size)
+
+    return [Conditional(symbol, offset, position(address), code, mnemonic, *place)
+            for (symbol, offset, address, code, mnemonic), place in zip(found, places)
+            if place[0].startswith("src/") and not FOREIGN.search(symbol)]
+
+
+def source_places(program: Path, base: Path, addresses: list[int]) -> list[tuple[str, int]]:
+    """The file, as seen from `base`, and line of each address; ("", 0) where it is elsewhere."""
+    shown = subprocess.run(["addr2line", "-e", program], input="".join(f"{a:#x}\n"
+                           for a in addresses), capture_output=True, text=True, check=True).stdout
+    places = []
+    for line in shown.splitlines():
+        match = re.fullmatch(rf"{re.escape(str(base))}/([^:]+):(\d+)(?: .*)?", line)
+        places.append((match[1], int(match[2])) if match else ("", 0))
+    return places
+
+
+def plain_names(symbols: list[str]) -> dict[str, str]:
+    """Functions' names for people: without namespaces of the project, parameters and template
+    arguments."""
+    shown = subprocess.run(["c++filt"], input="\n".join(symbols), capture_output=True, text=True,
+                           check=True).stdout.splitlines()
+    return {symbol: plain_name(name) for symbol, name in zip(symbols, shown)}
+
+
+def plain_name(name: str) -> str:
+    name = name.replace("(anonymous namespace)::", "").replace("Orvane::", "")
+    name = re.sub(r" \[clone [^]]*\]", "", name)
+    name = re.sub(r"\{lambda\(.*?\)#(\d+)\}", r"lambda\1", name)
+    name = name.replace("operator()", "call").replace("operator<<", "print")
+    name = re.sub(r"operator([<>=!]+)", "compare", name)
+    previous = ""
+    while previous != name:
+        previous, name = name, re.sub(r"<[^<>]*>|\([^()]*\)", "", name)
+    name = re.sub(r" const(?=::|$)|\[abi:\w+\]|&+$", "", name.strip())
+    return name.split(" ")[-1].removesuffix("::call")
+
+
+def code_mutants(programs: list[Path], base: Path) -> list[CodeMutant]:
+    """Those of code from `base`/src in any of the programs, which were compiled in `base`."""
+    functions: dict[tuple[Path, str], list[Conditional]] = defaultdict(list)
+    for program in programs:
+        for conditional in conditionals(program, base):
+            functions[program, conditional.symbol].append(conditional)
+    names = plain_names(sorted({symbol for _, symbol in functions}))
+
+    # All that a change of the source would change is one mutant: a function's copy in each program,
+    # and all instances of a template as far as they were compiled alike.
+    copies: dict[tuple, list[tuple[Path, list[Conditional]]]] = defaultdict(list)
+    for (program, symbol), found in functions.items():
+        shape = tuple((c.mnemonic, c.file, c.line) for c in found)
+        copies[names[symbol], shape].append((program, found))
+
+    mutants = []
+    for (function, _), alike in copies.items():
+        symbols = sorted({found[0].symbol for _, found in alike})
+        first = next(found for _, found in alike if found[0].symbol == symbols[0])
+        # Not the lines: those shift when something is written above the function.
+        code = repr([(c.offset, c.mnemonic) for c in first])
+        digest = hashlib.sha256(code.encode()).hexdigest()[:8]
+        instances = f"{symbols[0]} and {len(symbols) - 1} more" if symbols[1:] else symbols[0]
+        for i, conditional in enumerate(first):
+            for way in (ALWAYS, NEVER):
+                patches = tuple(Patch(program, found[i].position, found[i].code, new)
+                                for program, found in alike
+                                if (new := unconditional(found[i].code, way)) is not None)
+                if patches:
+                    name = f"{conditional.file}:{instances}:{digest}:{i}:{way}"
+                    mutants.append(CodeMutant(name, conditional.file, conditional.line, function,
+                                              way, patches))
+    return sorted(mutants, key=lambda mutant: (mutant.file, mutant.line, mutant.name))

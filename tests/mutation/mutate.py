@@ -1,0 +1,313 @@
+#!/usr/bin/env python3
+"""Breaks the library in one place after the other and sees whether a fast test fails.
+
+    tests/mutation/mutate.py build [FOLDER]  copies and compiles what is to be mutated
+    tests/mutation/mutate.py code [FOLDER]   mutants of conditional instructions
+    tests/mutation/mutate.py text [FOLDER]   mutants of numbers and strings, each compiled anew
+    tests/mutation/mutate.py report [FOLDER] what has been found so far
+
+FOLDER is src or one below it; src alone leaves out the companion program, src/skein and src/reader.
+All is done to a copy in build/mutation, which only `build` brings up to date. `code` and `text` go
+on where they were interrupted; with --shard I/N, N runs of `code` share the work.
+
+A mutant that no test catches is either a gap in the tests or, when it behaves like the program
+itself, explained in survivors.txt. The status of `report` is 0 when every mutant was run, 95 % are
+caught and the others are explained.
+"""
+
+import argparse
+import fcntl
+import hashlib
+import resource
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+from contextlib import contextmanager
+from pathlib import Path
+
+sys.dont_write_bytecode = True
+HERE = Path(__file__).resolve().parent
+sys.path.insert(0, str(HERE))
+from judge import Judge  # noqa: E402
+from machine_code import CodeMutant, Patch, code_mutants  # noqa: E402
+from results import CAUGHT, SURVIVED, Results, SurvivorsError, read_accepted, report  # noqa: E402
+from source_text import TextMutant, text_mutants  # noqa: E402
+
+ROOT = HERE.parent.parent
+WORK = ROOT / "build" / "mutation"
+SOURCE = WORK / "source"  # a copy to break, below which nothing else looks
+TREE = WORK / "tree"
+
+# Optimised as far as code stays where it was written: an inlined function would be mutated once for
+# each of its callers, and a choice without a jump might not be mutated at all.
+FLAGS = ("-O1 -g1 -fno-inline -fno-if-conversion -fno-if-conversion2 -fno-jump-tables "
+         "-fno-reorder-blocks-and-partition")
+
+MAKER_FOLDERS = ("src/cli", "src/errors", "src/inventory", "src/io", "src/output", "src/tree")
+# By what is mutated: its tests, its programs, the folder of its golden cases that counts.
+MAKER = (["unit_tests", "inventory_tests"], ["skeinmake", "skeinmake-legacy"])
+SKEIN = (["skein_unit_tests"], ["skein"])
+
+
+def is_skein(file: str) -> bool:
+    return file.startswith(("src/skein", "src/reader"))
+
+
+def preferred_tests(file: str) -> list[str]:
+    return ["inventory_tests"] if file.startswith("src/inventory") else ["unit_tests"]
+
+
+@contextmanager
+def locked():
+    """One at a time has the copied source and what is compiled from it."""
+    WORK.mkdir(parents=True, exist_ok=True)
+    with open(WORK / "lock", "w", encoding="utf-8") as lock:
+        fcntl.flock(lock, fcntl.LOCK_EX)
+        yield
+
+
+def copy_source() -> None:
+    listed = subprocess.run(["git", "-c", f"safe.directory={ROOT}", "ls-files", "-z", "--cached",
+                             "--others", "--exclude-standard"], cwd=ROOT, capture_output=True,
+                            check=True).stdout.decode().split("\0")
+    wanted = {name for name in listed if name and (ROOT / name).is_file()}
+    for name in wanted:
+        old, new = SOURCE / name, ROOT / name
+        if not old.exists() or old.read_bytes() != new.read_bytes():
+            old.parent.mkdir(parents=True, exist_ok=True)
+            shutil.copy(new, old)
+    for path in list(SOURCE.rglob("*")):
+        if path.is_file() and str(path.relative_to(SOURCE)) not in wanted:
+            path.unlink()
+
+
+@contextmanager
+def edited(mutant: TextMutant):
+    """The copied source has the mutant while this lasts, and what it was is kept in a file."""
+    path, kept = SOURCE / mutant.file, WORK / "original"
+    original = path.read_text()
+    kept.write_text(f"{mutant.file}\n{original}")
+    lines = original.splitlines()
+    lines[mutant.line - 1] = mutant.change.text
+    path.write_text("\n".join(lines) + "\n")
+    try:
+        yield
+    finally:
+        restore_source()
+
+
+def restore_source() -> None:
+    """Takes back an edit, perhaps one of a run that was killed."""
+    kept = WORK / "original"
+    if kept.exists():
+        file, _, text = kept.read_text().partition("\n")
+        (SOURCE / file).write_text(text)
+        kept.unlink()
+
+
+def compile_programs(programs: list[str]) -> bool:
+    command = ["cmake", "--build", TREE, "--parallel", "2", "--target", *programs]
+    return subprocess.run(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                          stderr=subprocess.STDOUT).returncode == 0
+
+
+def build(programs: list[str]) -> None:
+    copy_source()
+    subprocess.run(["cmake", "-S", SOURCE, "-B", TREE, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=None",
+                    "-DCMAKE_CXX_COMPILER=g++", f"-DCMAKE_CXX_FLAGS={FLAGS}",
+                    "-DSKEINMAKE_BUILD_TESTS=ON"], stdin=subprocess.DEVNULL,
+                   stdout=subprocess.DEVNULL, check=True)
+    if not compile_programs(programs):
+        raise SystemExit("the programs cannot be compiled: see cmake --build build/mutation/tree")
+
+
+def find_program(name: str) -> Path:
+    return next(path for path in (TREE / name, TREE / "tests" / name) if path.exists())
+
+
+def programs_of(folder: str) -> tuple[list[str], list[str]]:
+    return SKEIN if is_skein(folder) else MAKER
+
+
+def copy_programs(folder: str, directory: Path) -> None:
+    for name in sum(programs_of(folder), []):
+        shutil.copy(find_program(name), directory / name)
+
+
+def prepare(folder: str, directory: Path) -> None:
+    """Puts the unchanged programs into `directory`."""
+    restore_source()
+    if not (TREE / "build.ninja").exists() or not compile_programs(sum(programs_of(folder), [])):
+        raise SystemExit("there are no programs to mutate: run build first")
+    copy_programs(folder, directory)
+
+
+def make_judge(folder: str) -> Judge:
+    return Judge(*programs_of(folder), ROOT / "tests" / "golden", WORK / "learnt")
+
+
+def limit_resources() -> None:
+    """A mutant may ask for memory, or write, without end."""
+    resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+    resource.setrlimit(resource.RLIMIT_AS, (4 << 30, 4 << 30))
+    resource.setrlimit(resource.RLIMIT_FSIZE, (1 << 28, 1 << 28))
+
+
+def in_shard(name: str, shard: tuple[int, int]) -> bool:
+    return int(hashlib.sha256(name.encode()).hexdigest(), 16) % shard[1] == shard[0] - 1
+
+
+class Deadline:
+    def __init__(self, seconds: float):
+        self.end = time.monotonic() + seconds
+
+    def has_passed(self) -> bool:
+        return time.monotonic() > self.end
+
+
+def wanted(mutants: list, arguments: argparse.Namespace, results: Results) -> list:
+    fates = results.fates
+    return [m for m in mutants
+            if m.file.startswith(f"{arguments.folder}/") and in_shard(m.name, arguments.shard)
+            and (m.name not in fates or arguments.retry and fates[m.name] == SURVIVED)]
+
+
+def all_code_mutants(folder: str) -> list[CodeMutant]:
+    found = code_mutants([find_program(name) for name in sum(programs_of(folder), [])], TREE)
+    return [m for m in found if m.file.startswith(f"{folder}/") and is_skein(m.file) ==
+            is_skein(folder)]
+
+
+def all_text_mutants(folder: str) -> list[TextMutant]:
+    return [m for m in text_mutants(SOURCE) if m.file.startswith(f"{folder}/")]
+
+
+def run_code(arguments: argparse.Namespace) -> None:
+    results = Results(WORK / "results.jsonl")
+    deadline = Deadline(arguments.seconds)
+    with tempfile.TemporaryDirectory(prefix="mutation-programs-") as name:
+        directory = Path(name)
+        with locked():
+            prepare(arguments.folder, directory)
+            judge = make_judge(arguments.folder)
+            judge.learn(directory)
+            mutants = wanted(all_code_mutants(arguments.folder), arguments, results)
+        limit_resources()
+        for done, mutant in enumerate(mutants):
+            if deadline.has_passed():
+                print(f"{len(mutants) - done} mutants are left: go on with the same command")
+                return
+            for patch in mutant.patches:
+                patch.apply(directory)
+            caught = judge.catches(directory, preferred_tests(mutant.file))
+            for patch in mutant.patches:
+                patch.apply(directory, undo=True)
+            results.add(mutant.name, CAUGHT if caught else SURVIVED)
+    print(f"{len(mutants)} mutants run")
+
+
+def run_text(arguments: argparse.Namespace) -> None:
+    results = Results(WORK / "results.jsonl")
+    deadline = Deadline(arguments.seconds)
+    programs = sum(programs_of(arguments.folder), [])
+    with locked(), tempfile.TemporaryDirectory(prefix="mutation-programs-") as name:
+        directory, changed = Path(name, "unchanged"), Path(name, "changed")
+        directory.mkdir()
+        changed.mkdir()
+        prepare(arguments.folder, directory)
+        judge = make_judge(arguments.folder)
+        judge.learn(directory)
+        mutants = wanted(all_text_mutants(arguments.folder), arguments, results)
+        limit_resources()
+        for done, mutant in enumerate(mutants):
+            if deadline.has_passed():
+                print(f"{len(mutants) - done} mutants are left: go on with the same command")
+                break
+            caught = string_is_missed(mutant, arguments.folder, directory, judge)
+            if not caught:
+                with edited(mutant):
+                    caught = not compile_programs(programs)
+                    if not caught:
+                        copy_programs(arguments.folder, changed)
+                        caught = judge.catches(changed, preferred_tests(mutant.file))
+            results.add(mutant.name, CAUGHT if caught else SURVIVED)
+        else:
+            print(f"{len(mutants)} mutants run")
+
+
+def string_is_missed(mutant: TextMutant, folder: str, directory: Path, judge: Judge) -> bool:
+    """Whether a golden case fails with the string changed in the programs themselves: that takes no
+    compiler. Not in the unit tests, which may share the bytes of a string with what they test."""
+    patches = []
+    for name in programs_of(folder)[1]:
+        program = directory / name
+        content = program.read_bytes()
+        old, new = mutant.change.old, mutant.change.new
+        if len(old) > 3 and content.count(old) == 1:
+            patches.append(Patch(program, content.index(old), old, new))
+    if not patches:
+        return False
+    for patch in patches:
+        patch.apply(directory)
+    missed = judge.golden_case_fails(directory)
+    for patch in patches:
+        patch.apply(directory, undo=True)
+    return missed
+
+
+def run_report(arguments: argparse.Namespace) -> int:
+    folders = [arguments.folder] if arguments.folder != "src" else ["src", "src/skein",
+                                                                   "src/reader"]
+    mutants: dict[str, CodeMutant | TextMutant] = {}
+    for folder in folders:
+        if all(any((d / p).exists() for d in (TREE, TREE / "tests"))
+               for p in sum(programs_of(folder), [])):
+            found = [*all_code_mutants(folder), *all_text_mutants(folder)]
+            mutants |= {mutant.name: mutant for mutant in found}
+    accepted = [a for a in read_accepted(HERE / "survivors.txt")
+                if a.file.startswith(f"{arguments.folder}/")]
+    return report(list(mutants.values()), Results(WORK / "results.jsonl"), accepted, SOURCE,
+                  complete=True)
+
+
+def parse_arguments() -> argparse.Namespace:
+    parser = argparse.ArgumentParser(description=__doc__,
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("verb", choices=("build", "code", "text", "report"))
+    parser.add_argument("folder", nargs="?", default="src")
+    parser.add_argument("--shard", default="1/1", metavar="I/N",
+                        type=lambda text: tuple(map(int, text.split("/"))),
+                        help="run the I-th of N parts of the mutants")
+    parser.add_argument("--seconds", type=float, default=float("inf"), metavar="S",
+                        help="stop after so many seconds; the next run goes on from there")
+    parser.add_argument("--retry", action="store_true",
+                        help="run those again that have survived")
+    return parser.parse_args()
+
+
+def main() -> int:
+    # An end that leaves nothing behind: no running mutant, no copied programs, no edited source.
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
+    arguments = parse_arguments()
+    arguments.folder = arguments.folder.rstrip("/")
+    try:
+        if arguments.verb == "report":
+            return run_report(arguments)
+        if arguments.verb == "build":
+            with locked():
+                build(sum(programs_of(arguments.folder), []))
+        elif arguments.verb == "code":
+            run_code(arguments)
+        else:
+            run_text(arguments)
+    except SurvivorsError as error:
+        print(error)
+        return 1
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,48 @@
+// Streams that a failed block transfer leaves open while the buffer counts as closed.
+#include "disk_buffer_fixture.h"
+
+namespace Orvane::test {
+namespace {
+
+class DiskBufferLeftOpen : public DiskBufferFixture {
+ protected:
+  // Blocks don't go with streams: the transfer fails and closes the buffer, but not the stream.
+  static void failATransfer(OpenDiskBuffer& buffer) {
+    EXPECT_FALSE(buffer.commitBlock(1));
+    EXPECT_EQ(buffer.currentMode(), 0U);
+  }
+};
+
+TEST_F(DiskBufferLeftOpen, NoOtherStreamCanBeOpened) {
+  OpenDiskBuffer buffer(path_);
+  ASSERT_TRUE(buffer.openForWrite());
+  put(buffer, "kept");
+  failATransfer(buffer);
+  EXPECT_TRUE(buffer.openForRead()) << "the stream is still the one that writes";
+  EXPECT_EQ(buffer.currentMode(), 1U);
+  EXPECT_TRUE(buffer.close());
+  EXPECT_EQ(readFile(path_), "kept");
+}
+
+TEST_F(DiskBufferLeftOpen, ClosingStillTellsThatWritingFailed) {
+  OpenDiskBuffer buffer("/dev/full");
+  ASSERT_TRUE(buffer.openForWrite());
+  put(buffer, "lost");
+  failATransfer(buffer);
+  buffer.openForRead();
+  expectThrown<OVWriteError>([&] { buffer.close(); }, kWriteMessage);
+}
+
+TEST_F(DiskBufferLeftOpen, ReadingStreamStaysOneThatReads) {
+  writeFile(path_, "text");
+  OpenDiskBuffer buffer(path_);
+  ASSERT_TRUE(buffer.openForRead());
+  EXPECT_EQ(get(buffer, 2), "te");
+  failATransfer(buffer);
+  buffer.openForWrite();
+  EXPECT_TRUE(buffer.close());
+  EXPECT_EQ(readFile(path_), "text");
+}
+
+}  // namespace
+}  // namespace Orvane::test
