@@ -30,18 +30,18 @@ target_link_libraries(skein_unit_tests PRIVATE
 target_precompile_headers(skein_unit_tests PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
 skeinmake_configure(skein_unit_tests)
 target_compile_definitions(skein_unit_tests PRIVATE
-  SKEIN_CORPUS="${PROJECT_SOURCE_DIR}/fuzz/corpus/inventory_view")
+  SKEIN_CORPUS="${PROJECT_SOURCE_DIR}/fuzz/seeds/inventory_view")
 gtest_discover_tests(skein_unit_tests DISCOVERY_MODE PRE_TEST)
 
 add_test(NAME skein_schemas
   COMMAND Python3::Interpreter "${CMAKE_CURRENT_SOURCE_DIR}/skein_schema_test.py"
     --skein "$<TARGET_FILE:skein>" --schemas "${PROJECT_SOURCE_DIR}/docs"
-    --inventories "${PROJECT_SOURCE_DIR}/fuzz/corpus/inventory_view")
+    --inventories "${PROJECT_SOURCE_DIR}/fuzz/seeds/inventory_view")
 add_test(NAME skein_streams
   COMMAND Python3::Interpreter "${CMAKE_CURRENT_SOURCE_DIR}/skein_streams_test.py"
     --skein "$<TARGET_FILE:skein>"
-    --inventories "${PROJECT_SOURCE_DIR}/fuzz/corpus/inventory_view")
+    --inventories "${PROJECT_SOURCE_DIR}/fuzz/seeds/inventory_view")
 add_test(NAME skein_system
   COMMAND Python3::Interpreter "${CMAKE_CURRENT_SOURCE_DIR}/skein_system_test.py"
     --skein "$<TARGET_FILE:skein>"
-    --inventories "${PROJECT_SOURCE_DIR}/fuzz/corpus/inventory_view")
+    --inventories "${PROJECT_SOURCE_DIR}/fuzz/seeds/inventory_view")

@@ -161,8 +161,11 @@ std::uint64_t InventoryView::itemOffset(std::uint32_t dataIndex) const {
 
 bool InventoryView::isPlaylistsMenu(std::uint32_t record) const {
   constexpr std::uint8_t kPlainMenu = 7;
-  const ItemView found = itemOf(record);
-  return found && found.recType() == kPlainMenu && found.name() == "Playlists";
+  return mayBePlaylistsMenu(record) && itemOf(record).recType() == kPlainMenu;
+}
+
+bool InventoryView::mayBePlaylistsMenu(std::uint32_t record) const {
+  return itemOf(record).name() == "Playlists";
 }
 
 }  // namespace Orvane

@@ -126,6 +126,10 @@ class InventoryView {
   // which it keeps only the last one's contents among siblings.
   bool isPlaylistsMenu(std::uint32_t record) const;
 
+  // The same by the name alone: a record that shares its item with others shows the type that the
+  // first of them brought, so that by its own type it may well be such a menu.
+  bool mayBePlaylistsMenu(std::uint32_t record) const;
+
  private:
   struct Table {
     std::uint64_t offset = 0;

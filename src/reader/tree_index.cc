@@ -35,13 +35,13 @@ TreeIndex::Family TreeIndex::children(std::uint32_t record) const {
 
 bool TreeIndex::isDisplaced(std::uint32_t record) const {
   if (view_.layout() != Layout::kTwoTable || record == 0 ||
-      view_.links(record).firstChildIndex != 0 || !view_.isPlaylistsMenu(record)) {
+      view_.links(record).firstChildIndex != 0 || !view_.mayBePlaylistsMenu(record)) {
     return false;
   }
   // Looks no further than the next such sibling, so that a family costs one pass.
   for (std::size_t i = std::size_t{record} + 1;
        i < parents_.size() && parents_[i] == parents_[record]; ++i) {
-    if (view_.isPlaylistsMenu(static_cast<std::uint32_t>(i))) return true;
+    if (view_.mayBePlaylistsMenu(static_cast<std::uint32_t>(i))) return true;
   }
   return false;
 }

@@ -79,7 +79,7 @@ void TreeWalk::enter(std::uint32_t record) {
 
 void TreeWalk::claimChildren(Visit& visit) {
   const std::uint32_t first = visit.links.firstChildIndex;
-  if (first == 0 && hasLaterPlaylists(visit.record)) {
+  if (first == 0 && hasLater(visit.record, &InventoryView::mayBePlaylistsMenu)) {
     visit.displaced = true;
     return;
   }
@@ -111,12 +111,17 @@ void TreeWalk::claimChildren(Visit& visit) {
   }
 }
 
-// Siblings are looked at only up to the next such menu, so a whole family costs one pass.
 bool TreeWalk::hasLaterPlaylists(std::uint32_t record) const {
-  if (view_.layout() != Layout::kTwoTable || !view_.isPlaylistsMenu(record)) return false;
+  return hasLater(record, &InventoryView::isPlaylistsMenu);
+}
+
+// Siblings are looked at only up to the next such menu, so a whole family costs one pass.
+bool TreeWalk::hasLater(std::uint32_t record,
+                        bool (InventoryView::*isOne)(std::uint32_t) const) const {
+  if (view_.layout() != Layout::kTwoTable || !(view_.*isOne)(record)) return false;
   const std::uint32_t parent = parents_[record];
   for (std::size_t i = std::size_t{record} + 1; i < parents_.size() && parents_[i] == parent; ++i) {
-    if (view_.isPlaylistsMenu(static_cast<std::uint32_t>(i))) return true;
+    if ((view_.*isOne)(static_cast<std::uint32_t>(i))) return true;
   }
   return false;
 }

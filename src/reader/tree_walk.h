@@ -84,6 +84,7 @@ class TreeWalk {
     bool entered;
   };
 
+  bool hasLater(std::uint32_t record, bool (InventoryView::*isOne)(std::uint32_t) const) const;
   void enter(std::uint32_t record);
   void claimChildren(Visit& visit);
   void noteDeferred(const Visit& visit);

@@ -42,9 +42,15 @@ void WriterOrder::checkLinks() {
   TreeWalk walk(view_, WalkOrder::kStorage);
   std::uint64_t next = 1;
   for (auto event = walk.next(); event != TreeWalk::Event::kEnd; event = walk.next()) {
-    if (event != TreeWalk::Event::kEnter || walk.current().links.isLeaf()) continue;
+    if (event != TreeWalk::Event::kEnter) continue;
     const TreeWalk::Visit& visit = walk.current();
+    // It is linked to 0 even if it is a media leaf.
     const bool earlier = visit.record != 0 && walk.hasLaterPlaylists(visit.record);
+    if (visit.links.isLeaf()) {
+      if (!earlier) continue;
+      depart(visit.record, "a writer would link it to record 0, as a Playlists menu follows");
+      return;
+    }
     const std::uint64_t expected = earlier ? 0 : next;
     if (visit.links.firstChildIndex != expected) {
       depart(visit.record, "a writer would put its children at record " + std::to_string(expected) +

@@ -57,7 +57,9 @@ class OutputBuffer {
     char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), value, 16).ptr;
     const auto length = static_cast<std::size_t>(end - digits.data());
     if (length < width) fill('0', width - length);
-    put(std::string_view(digits.data(), length));
+    if (kCapacity - used_ < length) flush();
+    std::memcpy(buffer_->data() + used_, digits.data(), length);
+    used_ += length;
   }
 
   // Hands on what is there. False if that, or anything before, failed.

@@ -17,6 +17,10 @@ void NameRanks::add(std::uint32_t number, std::string_view name) {
       {nameBytesAt(name, 0), name.data(), static_cast<std::uint32_t>(name.size()), number});
 }
 
+void NameRanks::prefetchByte(const Key& key, std::size_t offset) {
+  if (offset < key.size) __builtin_prefetch(key.name + offset);
+}
+
 void NameRanks::rank() {
   // Keys that agree in all bytes before `offset` and are still to be told apart.
   struct Part {
@@ -36,7 +40,7 @@ void NameRanks::rank() {
     if (part.offset > 0) {
       for (std::size_t i = part.begin; i < part.end; ++i) {
         constexpr std::size_t kDistance = 16;
-        if (part.end - i > kDistance) __builtin_prefetch(keys_[i + kDistance].name + part.offset);
+        if (part.end - i > kDistance) prefetchByte(keys_[i + kDistance], part.offset);
         Key& key = keys_[i];
         key.bytes = byLength ? key.size : nameBytesAt({key.name, key.size}, part.offset);
       }

@@ -39,6 +39,8 @@ class NameRanks {
     std::uint32_t number;
   };
 
+  static void prefetchByte(const Key& key, std::size_t offset);
+
   template <typename T>
   using Sequence = std::vector<T, LargeAllocator<T>>;
 

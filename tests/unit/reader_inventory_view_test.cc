@@ -183,6 +183,10 @@ TEST(InventoryView, KnowsPlaylistsMenusByNameAndType) {
   EXPECT_FALSE(view.isPlaylistsMenu(2));
   EXPECT_FALSE(view.isPlaylistsMenu(3));
   EXPECT_FALSE(view.isPlaylistsMenu(99));
+  EXPECT_TRUE(view.mayBePlaylistsMenu(1));
+  EXPECT_FALSE(view.mayBePlaylistsMenu(2));
+  EXPECT_TRUE(view.mayBePlaylistsMenu(3));
+  EXPECT_FALSE(view.mayBePlaylistsMenu(99));
 }
 
 }  // namespace

@@ -5,6 +5,8 @@
 
 #include "inventory_image.h"
 #include "reader/tree_walk.h"
+#include "verb_runner.h"
+#include "written_inventory.h"
 
 namespace Orvane {
 namespace {
@@ -173,6 +175,22 @@ TEST(TreeWalk, KnowsDisplacedPlaylists) {
   EXPECT_EQ(shapeOf(viewOf(one)), "0(1(5)2(6)3(7)4(8))");
   one.firstChild(1, 0);
   EXPECT_EQ(shapeOf(viewOf(one)), "0(1C 2(6)3(7)4(8))");
+}
+
+// The first entry's type is what both menus of its name and id show in the file.
+TEST(TreeWalk, KnowsDisplacedPlaylistsThatShareAnotherType) {
+  MenuTree tree;
+  const auto add = [](MenuNode& parent, std::string_view name, std::uint32_t recType) -> MenuNode& {
+    return parent.appendChild(
+        [&](MenuNode& node) { node.setAll(NODE_TYPE_MENU, 0, name, recType, 0, 0); });
+  };
+  add(*tree.getRoot(), "Playlists", 6);
+  add(add(*tree.getRoot(), "Playlists", 7), "X", 7);
+  add(add(*tree.getRoot(), "Playlists", 7), "Y", 7);
+  const auto bytes = written(tree, Layout::kTwoTable);
+  EXPECT_EQ(shapeOf(viewOf(bytes)), "0(1 2D 3(4))");
+  EXPECT_EQ(checkOf(bytes).out, "");
+  EXPECT_EQ(decompileOf(bytes).status, 1);
 }
 
 TEST(TreeWalk, TakesALonePlaylistsMenuForDamagedWhenItsIndexIsZero) {

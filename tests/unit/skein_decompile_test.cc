@@ -179,6 +179,17 @@ TEST(Decompile, KeepsDisplacedLeaves) {
   EXPECT_EQ(compiled(result.out, Layout::kTwoTable), bytes) << result.out;
 }
 
+// A media leaf of that name and type is linked like one only as long as no such menu follows.
+TEST(Decompile, NamesDisplacedLeavesThatNoWriterWouldMake) {
+  Sketch leaf = media("Playlists", 4);
+  leaf.recType = 7;
+  InventoryImage image(Layout::kTwoTable, menu("R", {leaf, menu("A"), menu("Playlists")}));
+  expectExact(image, Layout::kTwoTable);
+  image.firstChild(1, kNoChildren);
+  expectLoss(image, Layout::kTwoTable, "not-canonical@/Playlists");
+  expectExact(InventoryImage(Layout::kTwoTable, menu("R", {menu("A"), leaf})), Layout::kTwoTable);
+}
+
 TEST(Decompile, KeepsWhatSharingGaveToAMenu) {
   const std::string xml =
       "<r><media name=\"A\" rating=\"3\" rectype=\"1\"/><menu name=\"A\"><media name=\"x\"/></menu>"
