@@ -9,6 +9,7 @@ namespace Orvane::fuzz {
 TreeScript::TreeScript(ByteSource input) : input_(input) {
   open_.push_back({tree_.getRoot(), plain_.get()});
   pairs_ = open_;
+  tree_.setTrackTable(trackTable_);
   while (!input_.isEmpty() && !isFull()) step(input_.byte());
 }
 
@@ -47,8 +48,10 @@ void TreeScript::step(std::uint32_t code) {
       }
       return;
     case 10:
-    case 11:
       becomeLeaf(append(here(), high % 2 == 0 ? Made::kByTree : Made::kAlone));
+      return;
+    case 11:
+      appendLeaf(here());
       return;
     case 12:
       setOne(here(), high);
@@ -142,17 +145,31 @@ void TreeScript::becomeLeaf(Pair pair) {
     Track& track = tracks_.emplace_back();
     track.setTitle(borrowed_.emplace_back(name()));
     track.setMediaId(pairs_[choice % pairs_.size()].plain->mediaId);
+    trackTable_.push_back(&track);
     plain::PlainTrack& plain = plainTracks_.emplace_back();
     plain.title = track.getTitle();
     plain.mediaId = track.getMediaId();
   }
   const Track& track = tracks_[which];
-  pair.node->becomeLeafOf(track, static_cast<std::uint32_t>(which + 1));
+  pair.node->becomeLeafOf(track);
   pair.plain->nodeType = NODE_TYPE_MEDIA;
   pair.plain->mediaId = track.getMediaId();
   pair.plain->track = &plainTracks_[which];
   plain::plainSetName(*pair.plain, std::string(track.getTitle()));
   if (choice % 4 == 0) setOne(pair, choice / 4);
+}
+
+// The leaf of a track that has a leaf already; what a tree's own node keeps of it is a number.
+void TreeScript::appendLeaf(Pair parent) {
+  if (tracks_.empty()) return;
+  const std::size_t which = input_.byte() % tracks_.size();
+  parent.node->appendLeaf(trackTable_, static_cast<std::uint32_t>(which + 1));
+  plain::PlainNode& plain =
+      *parent.plain->children.emplace_back(std::make_unique<plain::PlainNode>());
+  plain.nodeType = NODE_TYPE_MEDIA;
+  plain.mediaId = tracks_[which].getMediaId();
+  plain.track = &plainTracks_[which];
+  plain::plainSetName(plain, std::string(tracks_[which].getTitle()));
 }
 
 std::string TreeScript::name() {

@@ -41,6 +41,7 @@ class TreeScript {
   void setName(Pair pair, const std::string& name);
   void borrowName(Pair pair, const std::string& name);
   void becomeLeaf(Pair pair);
+  void appendLeaf(Pair parent);
   std::string name();
 
   bool isFull() const { return pairs_.size() >= kMostNodes; }
@@ -50,6 +51,7 @@ class TreeScript {
   std::deque<std::string> borrowed_;           // outlives the tree, which refers to it
   std::deque<Track> tracks_;                   // so do these
   std::deque<plain::PlainTrack> plainTracks_;  // the same
+  TrackTable trackTable_ = {nullptr};
   MenuTree tree_;
   std::unique_ptr<plain::PlainNode> plain_ = plain::plainRoot();
   std::vector<Pair> open_;   // from the root to the menu that is being filled

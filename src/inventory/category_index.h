@@ -10,6 +10,7 @@
 #include "inventory/id_map.h"
 #include "tree/arena.h"
 #include "tree/huge_pages.h"
+#include "tree/prefetch.h"
 
 namespace Orvane {
 
@@ -36,11 +37,11 @@ class CategoryIndex {
 
   // Ask, in this order and each in time for the next, for what nameOf(id) looks at: the id's entry,
   // its name, the bytes of that.
-  void expectId(std::uint32_t id) const { nameById_.prefetch(id); }
+  void expectId(std::uint32_t id) const { nameById_.expect(id); }
   void expectName(std::uint32_t id) const {
-    if (const std::uint32_t* const name = nameById_.find(id)) __builtin_prefetch(&names_[*name]);
+    if (const std::uint32_t* const name = nameById_.find(id)) prefetch(&names_[*name]);
   }
-  void expectText(std::uint32_t id) const { __builtin_prefetch(nameOf(id).data()); }
+  void expectText(std::uint32_t id) const { prefetch(nameOf(id).data()); }
 
   // The name of the id, empty if it never had an entry.
   std::string_view nameOf(std::uint32_t id) const;

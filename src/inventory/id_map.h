@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tree/huge_pages.h"
+#include "tree/prefetch.h"
 
 namespace Orvane {
 
@@ -22,8 +23,8 @@ class IdMap {
   }
 
   // Asks for the place of `id`, which will soon be looked for.
-  void prefetch(std::uint32_t id) const {
-    if (!slots_.empty()) __builtin_prefetch(&slots_[homeOf(id)]);
+  void expect(std::uint32_t id) const {
+    if (!slots_.empty()) prefetch(&slots_[homeOf(id)]);
   }
 
   // The value under `id`, entering a default one if there is none, and whether it was entered.

@@ -26,37 +26,41 @@ MenuNode& appendMenu(MenuNode& parent, std::string_view name, std::uint32_t recT
 // Appends leaves for the tracks of one manager.
 class LeafMaker {
  public:
-  LeafMaker(const TrackManager& manager, MenuTree& tree)
-      : index_(manager.getIndex()),
-        hasTokens_(tree.acceptTokensOf(&manager, index_.highestNumber())) {}
+  LeafMaker(const TrackIndex& index, MenuTree& tree) : index_(index) {
+    tree.setTrackTable(index.getTracksByNumber());
+  }
 
   // A leaf doesn't carry its track's rating: players tell stars by the menu alone.
-  void append(MenuNode& parent, const Track& track) const {
-    append(parent, track, track.getNumber());
+  void append(MenuNode& parent, TrackIndex::Number number) const {
+    parent.appendLeaf(index_.getTracksByNumber(), number);
   }
 
   // The same for one that may be any track, as those in playlists.
-  void appendAny(MenuNode& parent, const Track& track) const {
-    append(parent, track, index_.numberOf(track));
+  void append(MenuNode& parent, const Track& track) const {
+    if (const TrackIndex::Number number = index_.numberOf(track)) {
+      append(parent, number);
+    } else {
+      parent.appendChild([&](MenuNode& leaf) { leaf.becomeLeafOf(track); });
+    }
   }
 
  private:
-  void append(MenuNode& parent, const Track& track, TrackIndex::Number number) const {
-    parent.appendChild([&](MenuNode& leaf) { leaf.becomeLeafOf(track, hasTokens_ ? number : 0); });
-  }
-
   const TrackIndex& index_;
-  bool hasTokens_;  // false when the tree takes the tokens of another manager
 };
 
 MenuNode& appendAlbum(MenuNode& parent, const Track& track) {
   return appendMenu(parent, track.getAlbumName(), RecType::kAlbum, track.getAlbumId());
 }
 
+// Calls `use` with each track of a category's entries, in order, and with its number.
 template <typename Use>
 void forEachTrack(const TrackIndex& index, const CategoryIndex& category, Use use) {
-  const std::vector<const Track*> tracks = index.tracksInOrder(category);
-  forEachPrefetched(tracks.begin(), tracks.end(), use);
+  const TrackTable& tracks = index.getTracksByNumber();
+  const std::vector<TrackIndex::Number> numbers = category.tracksInOrder();
+  forEachPrefetched(
+      numbers.size(), [&](std::size_t i) { use(*tracks[numbers[i]], numbers[i]); },
+      [&](std::size_t i) { prefetch(&tracks[numbers[i]]); },
+      [&](std::size_t i) { prefetch(tracks[numbers[i]]); });
 }
 
 // Tells the runs of equal ids apart in a sequence.
@@ -72,19 +76,22 @@ class RunDetector {
 }  // namespace
 
 void addPlaylistsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& category) {
-  const LeafMaker leaves(manager, tree);
+  const TrackIndex& index = manager.getIndex();
+  const LeafMaker leaves(index, tree);
   for (auto it = manager.playlistsBegin(); it != manager.playlistsEnd(); ++it) {
     const Playlist& playlist = **it;
     MenuNode& menu =
         appendMenu(category, playlist.getName(), RecType::kPlaylist, playlist.getPlaylistId());
     const std::vector<const Track*>& tracks = playlist.getTracks();
-    forEachPrefetched(tracks.begin(), tracks.end(),
-                      [&](const Track& track) { leaves.appendAny(menu, track); });
+    forEachPrefetched(
+        tracks.size(), [&](std::size_t i) { leaves.append(menu, *tracks[i]); },
+        [&](std::size_t i) { prefetch(tracks[i]); });
   }
 }
 
 void addArtistsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& category) {
-  const LeafMaker leaves(manager, tree);
+  const TrackIndex& index = manager.getIndex();
+  const LeafMaker leaves(index, tree);
   struct Album {
     const MenuNode* artist;
     MenuNode* menu;
@@ -106,8 +113,7 @@ void addArtistsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& categ
   RunDetector runs;
   MenuNode* artist = nullptr;
   std::uint32_t run = 0;
-  const TrackIndex& index = manager.getIndex();
-  forEachTrack(index, index.getArtists(), [&](const Track& track) {
+  forEachTrack(index, index.getArtists(), [&](const Track& track, TrackIndex::Number number) {
     if (runs.startsRun(track.getArtistId())) {
       artist = &appendMenu(category, track.getArtistName(), RecType::kArtist, track.getArtistId());
       ++run;
@@ -132,19 +138,19 @@ void addArtistsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& categ
       if (album == next) albums.push_back({artist, &appendAlbum(*artist, track)});
       recent = {fullName.data(), fullName.size(), id, isShortened ? 0 : run, album};
     }
-    leaves.append(*albums[recent.album].menu, track);
+    leaves.append(*albums[recent.album].menu, number);
   });
 }
 
 void addAlbumsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& category) {
-  const LeafMaker leaves(manager, tree);
+  const TrackIndex& index = manager.getIndex();
+  const LeafMaker leaves(index, tree);
   std::vector<MenuNode*> albums;
   PositionIndex albumIndex;
 
   RunDetector runs;
   MenuNode* album = nullptr;
-  const TrackIndex& index = manager.getIndex();
-  forEachTrack(index, index.getAlbums(), [&](const Track& track) {
+  forEachTrack(index, index.getAlbums(), [&](const Track& track, TrackIndex::Number number) {
     if (runs.startsRun(track.getAlbumId())) {
       const std::string_view name = MenuNode::storedForm(track.getAlbumName());
       const auto next = static_cast<std::uint32_t>(albums.size());
@@ -156,32 +162,34 @@ void addAlbumsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& catego
       if (found == next) albums.push_back(&appendAlbum(category, track));
       album = albums[found];
     }
-    leaves.append(*album, track);
+    leaves.append(*album, number);
   });
 }
 
 void addSongsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& category) {
-  const LeafMaker leaves(manager, tree);
+  const TrackIndex& index = manager.getIndex();
+  const LeafMaker leaves(index, tree);
   for (auto it = manager.tracksBegin(); it != manager.tracksEnd(); ++it) {
     leaves.append(category, **it);
   }
 }
 
 void addGenresMenu(const TrackManager& manager, MenuTree& tree, MenuNode& category) {
-  const LeafMaker leaves(manager, tree);
+  const TrackIndex& index = manager.getIndex();
+  const LeafMaker leaves(index, tree);
   RunDetector runs;
   MenuNode* genre = nullptr;
-  const TrackIndex& index = manager.getIndex();
-  forEachTrack(index, index.getGenres(), [&](const Track& track) {
+  forEachTrack(index, index.getGenres(), [&](const Track& track, TrackIndex::Number number) {
     if (runs.startsRun(track.getGenreId())) {
       genre = &appendMenu(category, track.getGenreName(), RecType::kGenre, track.getGenreId());
     }
-    leaves.append(*genre, track);
+    leaves.append(*genre, number);
   });
 }
 
 void addRatingsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& category) {
-  const LeafMaker leaves(manager, tree);
+  const TrackIndex& index = manager.getIndex();
+  const LeafMaker leaves(index, tree);
   struct Stars {
     std::string_view name;
     std::uint32_t recType;
@@ -198,10 +206,9 @@ void addRatingsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& categ
       menu.setRecType(kStars[i].recType);
     });
   }
-  const TrackIndex& index = manager.getIndex();
-  forEachTrack(index, index.getRatings(), [&](const Track& track) {
+  forEachTrack(index, index.getRatings(), [&](const Track& track, TrackIndex::Number number) {
     const std::uint32_t rating = track.getRating();
-    if (rating >= 1 && rating <= menus.size()) leaves.append(*menus[rating - 1], track);
+    if (rating >= 1 && rating <= menus.size()) leaves.append(*menus[rating - 1], number);
   });
 }
 

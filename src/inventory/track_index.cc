@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "tree/prefetch.h"
+
 namespace Orvane {
 
 bool TrackIndex::add(Track& track) {
@@ -31,17 +33,17 @@ void TrackIndex::expect(std::span<const TrackIds> tracks) const {
       (genres_.*step)(ids.genre);
     }
   };
-  for (const TrackIds& ids : tracks) tracksById_.prefetch(ids.media);
+  for (const TrackIds& ids : tracks) tracksById_.expect(ids.media);
   inEachCategory(&CategoryIndex::expectId);
   inEachCategory(&CategoryIndex::expectName);
   inEachCategory(&CategoryIndex::expectText);
 }
 
 void TrackIndex::expectLookups(std::span<const std::uint32_t> mediaIds) const {
-  for (const std::uint32_t id : mediaIds) tracksById_.prefetch(id);
+  for (const std::uint32_t id : mediaIds) tracksById_.expect(id);
   for (const std::uint32_t id : mediaIds) {
     if (const Number* const number = tracksById_.find(id)) {
-      __builtin_prefetch(&tracksByNumber_[*number]);
+      prefetch(&tracksByNumber_[*number]);
     }
   }
 }

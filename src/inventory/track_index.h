@@ -55,7 +55,8 @@ class TrackIndex {
     return number < tracksByNumber_.size() && tracksByNumber_[number] == &track ? number : 0;
   }
 
-  Number highestNumber() const { return static_cast<Number>(tracksByNumber_.size() - 1); }
+  // The tracks by number, also those that have been withdrawn.
+  const TrackTable& getTracksByNumber() const { return tracksByNumber_; }
 
   // Like find, but leaves an empty entry under an unknown id, as looking up in a map by subscript
   // does.
@@ -84,7 +85,7 @@ class TrackIndex {
   static constexpr Number kMaxToldNumber = 0x3FFFFFFF;  // what a track has room for
 
   std::vector<const Track*> trackList_;
-  std::vector<const Track*> tracksByNumber_ = {nullptr};
+  TrackTable tracksByNumber_ = {nullptr};
   IdMap<Number> tracksById_;
   CategoryIndex genres_{CategoryIndex::Order::kByName};
   CategoryIndex artists_{CategoryIndex::Order::kByName};

@@ -15,25 +15,25 @@ namespace Orvane {
 // Appends a record for every descendant of `node` to `table` and links the records: the children of
 // a node stand together, followed by all descendants of its first child, then those of its second,
 // and so on. Returns the index of the node's first child record, where its children would stand if
-// it has none, or kNoChildren for nullptr and for a media leaf, whose children are never laid out.
+// it has none, or kNoChildren for a media leaf, whose children are never laid out.
 //
 // A Table offers:
 //   std::uint32_t size() const;                    records so far
-//   Link append(const MenuNode& node);             a record for `node`, linked to kNoChildren
+//   Link append(Child child);                      a record for `child`, linked to kNoChildren
 //   void setFirstChild(Link, std::uint32_t index); links that record to its children
 //   bool isDeferred(const MenuNode& child) const;  see below
-//   void expect(const MenuNode& node, int step) const;  asks for what append(node), soon to come,
-//                                                       looks at, in three steps
+//   void expect(Child child, int step) const;      asks for what append(child), soon to come, looks
+//                                                  at, in three steps
 //
 // The descendants of a deferred child come after those of all its siblings. Among several deferred
 // siblings only the last is descended into; the others are linked to 0.
 //
 // Works with a stack of its own: menus may be nested as deep as memory allows.
 template <typename Table>
-std::uint32_t layoutFamilies(const MenuNode* node, Table& table) {
+std::uint32_t layoutFamilies(const MenuNode& node, Table& table) {
   constexpr std::uint32_t kNone = 0xFFFFFFFF;
 
-  if (node == nullptr || node->getNodeType() == NODE_TYPE_MEDIA) return kNoChildren;
+  if (node.getNodeType() == NODE_TYPE_MEDIA) return kNoChildren;
 
   // A node's children whose own children are still to come, as places in `toVisit`.
   struct Family {
@@ -41,33 +41,35 @@ std::uint32_t layoutFamilies(const MenuNode* node, Table& table) {
     std::size_t end;
     std::size_t deferred;  // to be visited last, or kNone
   };
-  struct Child {
+  struct Menu {
     const MenuNode* node;
     typename Table::Link link;
   };
   std::vector<Family> unfinished;
-  std::vector<Child> toVisit;
+  std::vector<Menu> toVisit;
 
   const auto appendFamily = [&](const MenuNode& parent) {
     const std::uint32_t base = table.size();
     if (parent.childCount() == 0) return base;
     const std::size_t first = toVisit.size();
-    const auto append = [&](const MenuNode& child) {
+    const auto append = [&](std::size_t i) {
+      const Child child = parent.childAt(i);
       const typename Table::Link link = table.append(child);
-      if (child.getNodeType() != NODE_TYPE_MEDIA || table.isDeferred(child)) {
-        toVisit.push_back({&child, link});
+      if (!child.isNode()) return;
+      const MenuNode& menu = *child.node();
+      if (menu.getNodeType() != NODE_TYPE_MEDIA || table.isDeferred(menu)) {
+        toVisit.push_back({&menu, link});
       }
     };
     forEachPrefetched(
-        parent.childrenBegin(), parent.childrenEnd(), append,
-        [&](const MenuNode& child) { table.expect(child, 0); },
-        [&](const MenuNode& child) { table.expect(child, 1); },
-        [&](const MenuNode& child) { table.expect(child, 2); });
+        parent.childCount(), append, [&](std::size_t i) { table.expect(parent.childAt(i), 0); },
+        [&](std::size_t i) { table.expect(parent.childAt(i), 1); },
+        [&](std::size_t i) { table.expect(parent.childAt(i), 2); });
     unfinished.push_back({first, toVisit.size(), kNone});
     return base;
   };
 
-  const std::uint32_t result = appendFamily(*node);
+  const std::uint32_t result = appendFamily(node);
   while (!unfinished.empty()) {
     Family& family = unfinished.back();
     std::size_t visited = family.next;
@@ -85,9 +87,9 @@ std::uint32_t layoutFamilies(const MenuNode* node, Table& table) {
       toVisit.resize(unfinished.empty() ? 0 : unfinished.back().end);
       continue;
     }
-    const Child child = toVisit[visited];
-    const bool leaf = child.node->getNodeType() == NODE_TYPE_MEDIA;
-    table.setFirstChild(child.link, leaf ? kNoChildren : appendFamily(*child.node));
+    const Menu menu = toVisit[visited];
+    const bool leaf = menu.node->getNodeType() == NODE_TYPE_MEDIA;
+    table.setFirstChild(menu.link, leaf ? kNoChildren : appendFamily(*menu.node));
   }
   return result;
 }

@@ -3,6 +3,7 @@
 #include "output/data_record.h"
 #include "output/family_layout.h"
 #include "output/little_endian.h"
+#include "tree/prefetch.h"
 
 namespace Orvane {
 
@@ -12,16 +13,18 @@ class OneTable {
  public:
   explicit OneTable(NodeTable& table) : table_(table) {}
 
-  using Link = std::uint32_t;  // the record's index
+  using Link = NodeTable::Link;
 
-  std::uint32_t size() const { return static_cast<std::uint32_t>(table_.size()); }
-  Link append(const MenuNode& node) {
-    table_.push_back({&node, kNoChildren});
-    return size() - 1;
+  std::uint32_t size() const { return table_.size(); }
+  Link append(Child child) {
+    const bool isLeaf = !child.isNode() || child.node()->getNodeType() == NODE_TYPE_MEDIA;
+    return isLeaf ? table_.appendLeaf(child) : table_.append({child});
   }
-  void setFirstChild(Link link, std::uint32_t index) { table_[link].firstChildIndex = index; }
+  void setFirstChild(Link link, std::uint32_t index) { table_.setFirstChild(link, index); }
   static bool isDeferred(const MenuNode& /*child*/) { return false; }
-  static void expect(const MenuNode& /*node*/, int /*step*/) {}
+  static void expect(Child child, int step) {
+    if (step == 0 && child.isNode()) prefetch(child.node());
+  }
 
  private:
   NodeTable& table_;
@@ -30,8 +33,9 @@ class OneTable {
 }  // namespace
 
 std::uint32_t layoutNodeChildren(const MenuNode* node, NodeTable& table) {
+  if (node == nullptr) return kNoChildren;
   OneTable oneTable(table);
-  return layoutFamilies(node, oneTable);
+  return layoutFamilies(*node, oneTable);
 }
 
 void fillNodeRecord(const MenuNode& node, std::span<std::uint8_t, kNodeRecordSize> record) {

@@ -2,22 +2,27 @@
 
 #include <cstdint>
 #include <span>
-#include <vector>
 
 #include "output/inventory_format.h"
-#include "tree/huge_pages.h"
+#include "output/linked_table.h"
+#include "tree/child.h"
 #include "tree/menu_node.h"
 
 namespace Orvane {
 
-// What the layout knows of a record of the combined table: the node that it is filled from (not
+// What the layout knows of a record of the combined table: the child that it is filled from (not
 // owned) and its link. The 80 bytes come into being only as they are written.
 struct NodeRecord {
-  const MenuNode* node;
-  std::uint32_t firstChildIndex;  // in the combined table; kNoChildren for a media leaf
+  Child child;
+  std::uint32_t firstChildIndex =
+      kNoChildren;  // in the combined table; kNoChildren for a media leaf
+
+  using Leaf = Child;
+  static NodeRecord ofLeaf(Child leaf) { return {leaf}; }
+  Child leaf() const { return child; }
 };
 
-using NodeTable = std::vector<NodeRecord, LargeAllocator<NodeRecord>>;
+using NodeTable = LinkedTable<NodeRecord>;
 
 // Lays out the descendants of `node` behind what the table holds, in the plain order of the tree,
 // and returns the index of its first child record (kNoChildren for nullptr and for a media leaf).

@@ -7,29 +7,29 @@
 #include "output/little_endian.h"
 #include "output/one_table_layout.h"
 #include "output/record_sink.h"
+#include "tree/child_view.h"
 
 namespace Orvane {
 
 bool writeOneTable(const MenuTree& tree, Buffer& buffer) {
-  const MenuNode& root = *tree.getRoot();
   NodeTable table;
   table.reserve(tree.nodeCountHint());
-  table.push_back({&root, 0});
-  const std::uint32_t firstChild = layoutNodeChildren(&root, table);
-  table.front().firstChildIndex = firstChild;
+  const NodeTable::Link rootLink = table.append({tree.root()});
+  table.setFirstChild(rootLink, layoutNodeChildren(tree.getRoot(), table));
 
   std::array<std::uint8_t, kOneTableHeaderSize> header{};
-  fillFileHeader(header, 1, static_cast<std::uint32_t>(table.size()), 0);
+  fillFileHeader(header, 1, table.size(), 0);
 
   buffer.openForWrite();
   RecordSink sink(buffer);
   sink.putHeader(header);
   std::array<std::uint8_t, kNodeRecordSize> bytes;
-  for (const NodeRecord& record : table) {
-    fillNodeRecord(*record.node, bytes);
+  ChildView view(tree.getTrackTable());
+  table.forEach([&](const NodeRecord& record) {
+    fillNodeRecord(view(record.child), bytes);
     storeU32(&bytes[0], record.firstChildIndex);
     sink.put(bytes);
-  }
+  });
   buffer.close();
   return true;
 }

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "output/inventory_format.h"
+#include "output/linked_table.h"
 #include "output/little_endian.h"
 #include "tree/menu_node.h"
 
@@ -11,9 +12,13 @@ namespace Orvane {
 
 // A node's links: one record of the tree table. All three are counts of records.
 struct TreeRecord {
-  std::uint32_t firstChildIndex = 0;  // in the tree table; kNoChildren for a media leaf
-  std::uint32_t childCount = 0;       // what the node holds, also where those aren't written
-  std::uint32_t dataIndex = 0;        // in the data table
+  std::uint32_t firstChildIndex = kNoChildren;  // in the tree table; kNoChildren for a media leaf
+  std::uint32_t childCount = 0;  // what the node holds, also where those aren't written
+  std::uint32_t dataIndex = 0;   // in the data table
+
+  using Leaf = std::uint32_t;  // a leaf's data index
+  static TreeRecord ofLeaf(Leaf leaf) { return {.dataIndex = leaf}; }
+  Leaf leaf() const { return dataIndex; }
 
   using Bytes = std::array<std::uint8_t, kTreeRecordSize>;
 
@@ -30,5 +35,7 @@ struct TreeRecord {
 inline void fillTreeRecord(const MenuNode& node, TreeRecord& record) {
   record.childCount = static_cast<std::uint32_t>(node.childCount());
 }
+
+using TreeTable = LinkedTable<TreeRecord>;
 
 }  // namespace Orvane

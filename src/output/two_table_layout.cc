@@ -5,6 +5,8 @@
 
 #include "output/data_record.h"
 #include "output/family_layout.h"
+#include "tree/child_view.h"
+#include "tree/prefetch.h"
 
 namespace Orvane {
 
@@ -17,19 +19,30 @@ std::string_view comparedName(const MenuNode& node) {
 
 class TwoTables {
  public:
-  TwoTables(TreeTable& treeTable, DataTable& dataTable, DataRecordIndex& idMap)
-      : treeTable_(treeTable), dataTable_(dataTable), idMap_(idMap) {}
+  TwoTables(const TrackTable* tracks, TreeTable& treeTable, DataTable& dataTable,
+            DataRecordIndex& idMap)
+      : view_(tracks),
+        candidateView_(tracks),
+        treeTable_(treeTable),
+        dataTable_(dataTable),
+        idMap_(idMap) {
+    if (tracks == nullptr || tracks->size() <= idMap.byTrack.size()) return;
+    idMap.byTrack.resize(tracks->size());
+    idMap.byNameAndId.reserve(tracks->size());
+  }
 
   using Link = TreeTable::Link;
 
   std::uint32_t size() const { return treeTable_.size(); }
 
-  Link append(const MenuNode& node) {
-    const std::uint32_t dataIndex = dataIndexOf(node);
+  Link append(Child child) {
+    if (!child.isNode()) return treeTable_.appendLeaf(dataIndexOf(child));
+    const MenuNode& node = *child.node();
+    TreeRecord record{.dataIndex = findOrAdd(child)};
     const bool isLeaf = node.getNodeType() == NODE_TYPE_MEDIA && node.childCount() == 0;
-    if (!isLeaf || isDeferred(node)) return treeTable_.append(node, dataIndex);
-    treeTable_.appendLeaf(dataIndex);
-    return kNeverLinked;
+    if (isLeaf && !isDeferred(node)) return treeTable_.appendLeaf(record.dataIndex);
+    fillTreeRecord(node, record);
+    return treeTable_.append(record);
   }
 
   void setFirstChild(Link link, std::uint32_t index) { treeTable_.setFirstChild(link, index); }
@@ -38,50 +51,48 @@ class TwoTables {
     return child.getRecType() == RecType::kPlainMenu && child.getName() == "Playlists";
   }
 
-  void expect(const MenuNode& node, int step) const {
-    const std::uint32_t token = node.getContentToken();
-    if (token == 0 || token >= idMap_.byToken.size()) return;
-    if (step == 0) {
-      __builtin_prefetch(&idMap_.byToken[token]);
-    } else if (idMap_.byToken[token] == 0) {
-      if (step == 1) {
-        node.prefetchContent();
-      } else {
-        idMap_.byNameAndId.prefetch(hashOf(node));
+  void expect(Child child, int step) {
+    if (!child.isNode()) {
+      const std::uint32_t& known = idMap_.byTrack[child.trackNumber()];
+      if (step == 0) {
+        prefetch(&known);
+      } else if (known != 0) {
+        return;
       }
+    }
+    if (step < 2) {
+      view_.expect(child, step);
+    } else {
+      idMap_.byNameAndId.expect(hashOf(view_(child)));
     }
   }
 
  private:
-  static constexpr Link kNeverLinked = 0xFFFFFFFF;
-
   static std::uint32_t hashOf(const MenuNode& node) {
     return hashNameAndId(comparedName(node), node.getMediaId());
   }
 
-  std::uint32_t dataIndexOf(const MenuNode& node) {
-    const std::uint32_t token = node.getContentToken();
-    if (token == 0) return findOrAdd(node);
-    auto& byToken = idMap_.byToken;
-    if (token >= byToken.size()) {
-      byToken.resize(std::max<std::size_t>(token + std::size_t{1}, 2 * byToken.size()));
-    }
-    if (byToken[token] == 0) byToken[token] = findOrAdd(node);
-    return byToken[token];
+  std::uint32_t dataIndexOf(Child leaf) {
+    std::uint32_t& known = idMap_.byTrack[leaf.trackNumber()];
+    if (known == 0) known = findOrAdd(leaf);
+    return known;
   }
 
-  std::uint32_t findOrAdd(const MenuNode& node) {
+  std::uint32_t findOrAdd(Child child) {
+    const MenuNode& node = view_(child);
     const std::string_view name = comparedName(node);
     const auto next = static_cast<std::uint32_t>(dataTable_.size());
     const std::uint32_t index =
         idMap_.byNameAndId.findOrInsert(hashOf(node), next, [&](std::uint32_t candidate) {
-          const MenuNode& other = *dataTable_[candidate];
+          const MenuNode& other = candidateView_(dataTable_[candidate]);
           return other.getMediaId() == node.getMediaId() && comparedName(other) == name;
         });
-    if (index == next) dataTable_.push_back(&node);
+    if (index == next) dataTable_.push_back(child);
     return index;
   }
 
+  ChildView view_;
+  ChildView candidateView_;
   TreeTable& treeTable_;
   DataTable& dataTable_;
   DataRecordIndex& idMap_;
@@ -91,8 +102,9 @@ class TwoTables {
 
 std::uint32_t layoutChildren(const MenuNode* node, TreeTable& treeTable, DataTable& dataTable,
                              DataRecordIndex& idMap) {
-  TwoTables tables(treeTable, dataTable, idMap);
-  return layoutFamilies(node, tables);
+  if (node == nullptr) return kNoChildren;
+  TwoTables tables(node->getTrackTable(), treeTable, dataTable, idMap);
+  return layoutFamilies(*node, tables);
 }
 
 }  // namespace Orvane

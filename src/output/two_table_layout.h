@@ -3,28 +3,24 @@
 #include <cstdint>
 #include <vector>
 
-#include "output/tree_table.h"
+#include "output/tree_record.h"
+#include "tree/child.h"
 #include "tree/huge_pages.h"
 #include "tree/menu_node.h"
 #include "tree/position_index.h"
 
 namespace Orvane {
 
-// The data table, in record order: for each record the node that it is filled from. Not owned; the
+// The data table, in record order: for each record the child that it is filled from. Not owned; the
 // records themselves, 72 bytes each, come into being only as they are written.
-using DataTable = std::vector<const MenuNode*, LargeAllocator<const MenuNode*>>;
+using DataTable = std::vector<Child, LargeAllocator<Child>>;
 
 // Data records by what they are shared by. The root's record is never entered, so nothing shares
 // it.
 struct DataRecordIndex {
-  // Makes room for tokens up to `highestToken`.
-  void reserve(std::uint32_t highestToken) {
-    byNameAndId.reserve(highestToken);
-    byToken.resize(highestToken + std::size_t{1});
-  }
-
   PositionIndex byNameAndId;
-  std::vector<std::uint32_t, LargeAllocator<std::uint32_t>> byToken;  // 0 where none is known
+  // By number, for tracks that stand among the children; 0 where none is known.
+  std::vector<std::uint32_t, LargeAllocator<std::uint32_t>> byTrack;
 };
 
 // Lays out the descendants of `node` behind what the tables hold and returns the tree index of its

@@ -7,6 +7,7 @@
 #include "output/file_header.h"
 #include "output/record_sink.h"
 #include "output/two_table_layout.h"
+#include "tree/child_view.h"
 #include "tree/prefetch.h"
 
 namespace Orvane {
@@ -17,11 +18,12 @@ bool writeTwoTable(const MenuTree& tree, Buffer& buffer) {
   DataRecordIndex idMap;
   treeTable.reserve(tree.nodeCountHint());
   dataTable.reserve(tree.nodeCountHint());
-  idMap.reserve(tree.highestContentToken());
 
   const MenuNode& root = *tree.getRoot();
-  dataTable.push_back(&root);
-  const TreeTable::Link rootLink = treeTable.append(root, 0);
+  dataTable.push_back(tree.root());
+  TreeRecord rootRecord;
+  fillTreeRecord(root, rootRecord);
+  const TreeTable::Link rootLink = treeTable.append(rootRecord);
   treeTable.setFirstChild(rootLink, layoutChildren(&root, treeTable, dataTable, idMap));
 
   std::array<std::uint8_t, kTwoTableHeaderSize> header{};
@@ -32,12 +34,14 @@ bool writeTwoTable(const MenuTree& tree, Buffer& buffer) {
   sink.putHeader(header);
   treeTable.forEach([&](const TreeRecord& record) { sink.put(record.encode()); });
   std::array<std::uint8_t, kDataRecordSize> bytes;
-  const auto put = [&](const MenuNode& node) {
-    fillDataRecord(node, bytes);
+  ChildView view(tree.getTrackTable());
+  const auto put = [&](std::size_t i) {
+    fillDataRecord(view(dataTable[i]), bytes);
     sink.put(bytes);
   };
-  forEachPrefetched(dataTable.begin(), dataTable.end(), put,
-                    [](const MenuNode& node) { node.prefetchContent(); });
+  forEachPrefetched(
+      dataTable.size(), put, [&](std::size_t i) { view.expect(dataTable[i], 0); },
+      [&](std::size_t i) { view.expect(dataTable[i], 1); });
   buffer.close();
   return true;
 }

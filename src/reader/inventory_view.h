@@ -11,6 +11,7 @@
 #include "output/inventory_format.h"
 #include "reader/item_view.h"
 #include "reader/little_endian.h"
+#include "tree/prefetch.h"
 
 namespace Orvane {
 
@@ -113,7 +114,7 @@ class InventoryView {
   // items are shared, so that records side by side have theirs all over the file.
   void prefetchItemOf(std::uint32_t record) const {
     const std::uint32_t dataIndex = links(record).dataIndex;
-    if (dataIndex < dataCount()) __builtin_prefetch(itemBase_ + dataIndex * itemStride_);
+    if (dataIndex < dataCount()) prefetch(itemBase_ + dataIndex * itemStride_);
   }
 
   // File offsets of an existing record and of an existing item.

@@ -80,12 +80,6 @@ void MenuNode::leaveTrack() {
   nameSize_ = static_cast<std::uint8_t>(name.size());
 }
 
-void MenuNode::becomeLeafOf(const Track& track, std::uint32_t contentToken) {
-  nodeType_ = kTrackLeaf;
-  track_ = &track;
-  contentToken_ = contentToken;
-}
-
 void MenuNode::setTrack(const Track* track) {
   leaveTrack();
   if (track != getTrack()) ownRare().track = track;
@@ -209,6 +203,34 @@ bool MenuNode::addChild(std::unique_ptr<MenuNode> child) {
   }
   link(linked);
   return true;
+}
+
+void MenuNode::appendLeaf(const TrackTable& tracks, std::uint32_t number) {
+  if (getTrackTable() != &tracks) {
+    appendChild([&](MenuNode& leaf) { leaf.becomeLeafOf(*tracks[number]); });
+    return;
+  }
+  growChildren();
+  branch_->hasNumbers = true;
+  branch_->arena->countLeaf();
+  link(Child::ofTrack(number).place());
+}
+
+const TrackTable* MenuNode::getTrackTable() const {
+  return branch_->arena == nullptr ? nullptr : branch_->arena->getTrackTable();
+}
+
+// When memory runs out on the way, the rest are still numbers.
+void MenuNode::makeNodesOfNumbers() const {
+  NodeArena& arena = *branch_->arena;
+  for (std::size_t i = 0; i < branch_->count; ++i) {
+    const Child child = childAt(i);
+    if (child.isNode()) continue;
+    MenuNode* const leaf = arena.make();
+    leaf->becomeLeafOf(*(*arena.getTrackTable())[child.trackNumber()]);
+    branch_->children[i] = leaf;
+  }
+  branch_->hasNumbers = false;
 }
 
 MenuNode* MenuNode::makeChild() {

@@ -5,6 +5,8 @@
 #include <memory>
 #include <string_view>
 
+#include "tree/child.h"
+#include "tree/prefetch.h"
 #include "tree/track.h"
 
 namespace Orvane {
@@ -41,9 +43,10 @@ inline constexpr std::uint32_t kThreeStars = 13;
 //   for (p = node.firstChild(); node.hasMoreChildren(); p = node.nextChild()) use(*p);
 // Only one such walk per node may be under way, and the find operations move the cursor too.
 //
-// A million tracks make some five million nodes, nearly all of them leaves of tracks: a node is 24
-// bytes. A track's leaf leaves name and id with its track, and what only menus or unusual values
-// need is in a Branch of its own.
+// A million tracks make some five million leaves. In the children of a tree's own nodes most of
+// them are numbers of tracks (see Child), which become nodes when somebody asks for positions or
+// walks. A node is 24 bytes: a track's leaf leaves name and id with its track, and what only menus
+// or unusual values need is in a Branch of its own.
 class MenuNode {
  public:
   // A place in the children sequence; good until a child is added to the node.
@@ -78,11 +81,10 @@ class MenuNode {
 
   // Makes a fresh node the media leaf of a track, which must outlive it: its id and its name, as a
   // fresh node would take it, are those of the track until the node is given others.
-  //
-  // A `contentToken` says that all nodes of this tree with the same one have the same mediaId and
-  // name, so that whoever compares those need look at one of them only. Tokens count from 1 and
-  // should be dense; 0 is none.
-  void becomeLeafOf(const Track& track, std::uint32_t contentToken);
+  void becomeLeafOf(const Track& track) {
+    nodeType_ = kTrackLeaf;
+    track_ = &track;
+  }
 
   // Up to 64 bytes replace the name. Of a longer name the first 62 bytes are put in front of the
   // name that the node already has, which stays behind them: on a fresh node that shortens the
@@ -95,9 +97,6 @@ class MenuNode {
   // The setters in the order of the arguments. `spare`, track and children stay.
   void setAll(std::uint32_t nodeType, std::uint32_t mediaId, std::string_view name,
               std::uint32_t recType, std::uint32_t rating, std::uint32_t attribMask);
-
-  // 0 also once the node was given an id, a name, a node type or a track of its own.
-  std::uint32_t getContentToken() const { return isTrackLeaf() ? contentToken_ : 0; }
 
   std::uint32_t getNodeType() const {
     if (nodeType_ < kTrackLeaf) return nodeType_;
@@ -120,10 +119,10 @@ class MenuNode {
   // often follows it in memory.
   void prefetchContent() const {
     if (isTrackLeaf()) {
-      __builtin_prefetch(track_);
-      __builtin_prefetch(track_ + 1);
+      prefetch(track_);
+      prefetch(track_ + 1);
     } else {
-      __builtin_prefetch(name_);
+      prefetch(name_);
     }
   }
 
@@ -147,12 +146,27 @@ class MenuNode {
     return *child;
   }
 
+  // Appends a leaf of the track with that number in the table: just the number if the table is that
+  // of the node's tree, otherwise a node.
+  void appendLeaf(const TrackTable& tracks, std::uint32_t number);
+
+  // The table in which the numbers among the children are looked up, here and beneath; nullptr when
+  // there can't be any.
+  const TrackTable* getTrackTable() const;
+
   std::size_t childCount() const { return branch_->count; }
 
-  Position childrenBegin() { return branch_->children; }
-  Position childrenEnd() { return branch_->children + branch_->count; }
-  ConstPosition childrenBegin() const { return branch_->children; }
-  ConstPosition childrenEnd() const { return branch_->children + branch_->count; }
+  // A child as it stands there, and putting another in its place, whose ownership stays as it is:
+  // for putting children in order. Neither makes nodes.
+  Child childAt(std::size_t index) const { return Child(branch_->children[index]); }
+  void setChildAt(std::size_t index, Child child) { branch_->children[index] = child.place(); }
+
+  // Positions are those of nodes: what are numbers among the children becomes nodes first. So it
+  // does in all that follows.
+  Position childrenBegin() { return nodesOfChildren(); }
+  Position childrenEnd() { return nodesOfChildren() + branch_->count; }
+  ConstPosition childrenBegin() const { return nodesOfChildren(); }
+  ConstPosition childrenEnd() const { return nodesOfChildren() + branch_->count; }
 
   Position firstChild();
   Position nextChild();
@@ -192,6 +206,7 @@ class MenuNode {
     std::uint32_t capacity = 0;
     std::uint32_t cursor = 0;
     bool isShared = false;
+    bool hasNumbers = false;  // some children are numbers of tracks
   };
 
   static constexpr std::uint8_t kWide = 0xFF;
@@ -216,6 +231,11 @@ class MenuNode {
   void discardChild(MenuNode* child);
   void link(MenuNode* child) { branch_->children[branch_->count++] = child; }
   void growChildren();
+  Position nodesOfChildren() const {
+    if (branch_->hasNumbers) makeNodesOfNumbers();
+    return branch_->children;
+  }
+  void makeNodesOfNumbers() const;
   void freeChildren();
   void freeOwn();
 
@@ -227,10 +247,7 @@ class MenuNode {
     const Track* track_;  // of a track's leaf
   };
   Branch* branch_;
-  union {
-    std::uint32_t mediaId_ = 0;
-    std::uint32_t contentToken_;  // of a track's leaf
-  };
+  std::uint32_t mediaId_ = 0;
   std::uint8_t nodeType_ = 0;
   std::uint8_t recType_ = 0;
   std::uint8_t rating_ = 0;

@@ -1,6 +1,5 @@
 #include "tree/menu_tree.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "tree/node_arena.h"
@@ -21,11 +20,8 @@ std::size_t MenuTree::nodeCountHint() const {
   return arena_->nodeCount();
 }
 
-bool MenuTree::acceptTokensOf(const void* issuer, std::uint32_t highest) {
-  if (tokenIssuer_ == nullptr) tokenIssuer_ = issuer;
-  if (tokenIssuer_ != issuer) return false;
-  highestToken_ = std::max(highestToken_, highest);
-  return true;
+void MenuTree::setTrackTable(const TrackTable& tracks) {
+  arena_->setTrackTable(tracks);
 }
 
 bool MenuTree::addChildToRoot(std::unique_ptr<MenuNode> child) {

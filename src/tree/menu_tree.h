@@ -22,21 +22,22 @@ class MenuTree {
   MenuNode* getRoot() { return root_; }
   const MenuNode* getRoot() const { return root_; }
 
+  // The root in the form in which children stand in their places.
+  Child root() const { return Child(root_); }
+
   // Appends `child` to the children of `parent` (of the root), which owns it from then on. False
   // when an argument is nullptr: the tree is unchanged, and a child without a parent is freed, as
   // it is when memory runs out, which throws.
   static bool addChild(MenuNode* parent, std::unique_ptr<MenuNode> child);
   bool addChildToRoot(std::unique_ptr<MenuNode> child);
 
-  // About how many nodes the tree has: those that it made itself.
+  // About how many nodes the tree has, counting leaves that are numbers: those that it made itself.
   std::size_t nodeCountHint() const;
 
-  // Whether nodes of this tree may carry the content tokens, up to `highest`, that `issuer` gives.
-  // Tokens of one issuer only can be told apart: the first who asks.
-  bool acceptTokensOf(const void* issuer, std::uint32_t highest);
-
-  // No node of this tree carries a higher one.
-  std::uint32_t highestContentToken() const { return highestToken_; }
+  // Lets the children of this tree's nodes be numbers of tracks in that table, which must outlive
+  // the tree, and in which no number may come to mean another track. The first table counts.
+  void setTrackTable(const TrackTable& tracks);
+  const TrackTable* getTrackTable() const { return root_->getTrackTable(); }
 
   // Puts the children of album, artist and genre menus (recType 3 to 5) and of menus named
   // "Artists", "Albums", "Geners" or "Songs" in the order of their names as unsigned bytes,
@@ -56,8 +57,6 @@ class MenuTree {
  private:
   std::unique_ptr<NodeArena> arena_;
   MenuNode* root_;
-  const void* tokenIssuer_ = nullptr;
-  std::uint32_t highestToken_ = 0;
 };
 
 }  // namespace Orvane

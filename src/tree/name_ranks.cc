@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "tree/name_bytes.h"
+#include "tree/prefetch.h"
 
 namespace Orvane {
 
@@ -18,7 +19,7 @@ void NameRanks::add(std::uint32_t number, std::string_view name) {
 }
 
 void NameRanks::prefetchByte(const Key& key, std::size_t offset) {
-  if (offset < key.size) __builtin_prefetch(key.name + offset);
+  if (offset < key.size) prefetch(key.name + offset);
 }
 
 void NameRanks::rank() {

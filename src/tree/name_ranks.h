@@ -24,9 +24,6 @@ class NameRanks {
   // The rank of an added name, after rank().
   std::uint32_t operator[](std::uint32_t number) const { return ranks_[number]; }
 
-  // Asks for what the rank of an added name is read from.
-  void prefetch(std::uint32_t number) const { __builtin_prefetch(&ranks_[number]); }
-
   // The rank of the last name in the order.
   std::uint32_t highest() const { return highest_; }
 

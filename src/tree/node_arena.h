@@ -20,8 +20,16 @@ class NodeArena {
   // A fresh node. It, its name and its children belong to the arena.
   MenuNode* make();
 
-  // How many nodes it has made.
+  // How many nodes it has made, and how many leaves are numbers instead (or were, before somebody
+  // asked for nodes).
   std::size_t nodeCount() const { return nodeCount_; }
+  void countLeaf() { ++nodeCount_; }
+
+  // Where numbers among the children are looked up: the first table that is set. Not owned.
+  void setTrackTable(const TrackTable& tracks) {
+    if (tracks_ == nullptr) tracks_ = &tracks;
+  }
+  const TrackTable* getTrackTable() const { return tracks_; }
 
   // Takes over a node from elsewhere with all that is beneath it.
   void adopt(std::unique_ptr<MenuNode> node) { adopted_.push_back(std::move(node)); }
@@ -39,6 +47,7 @@ class NodeArena {
 
   Arena memory_;
   std::size_t nodeCount_ = 0;
+  const TrackTable* tracks_ = nullptr;
   std::array<std::vector<MenuNode**>, 32> spareArrays_;  // by the capacity's power of two
   MenuNode::Branch plain_;                               // stands for that of a node without any
   std::vector<std::unique_ptr<MenuNode>> adopted_;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tree/huge_pages.h"
+#include "tree/prefetch.h"
 
 namespace Orvane {
 
@@ -44,8 +45,8 @@ class PositionIndex {
   }
 
   // Asks for the place of an element with that hash, which will soon be looked for.
-  void prefetch(std::uint32_t hash) const {
-    if (!slots_.empty()) __builtin_prefetch(&slots_[hash & (slots_.size() - 1)]);
+  void expect(std::uint32_t hash) const {
+    if (!slots_.empty()) prefetch(&slots_[hash & (slots_.size() - 1)]);
   }
 
  private:

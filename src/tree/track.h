@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <ostream>
 #include <string_view>
+#include <vector>
 
 namespace Orvane {
 
@@ -77,6 +78,9 @@ class Track {
   std::uint32_t isRegistered_ : 1 = 0;  // some manager owns it
   std::uint32_t isPooled_ : 1 = 0;      // it is part of its manager's store
 };
+
+// Tracks by their numbers; there is none with number 0.
+using TrackTable = std::vector<const Track*>;
 
 // Title, " | ", artist's name, " | ", album's name.
 std::ostream& operator<<(std::ostream& out, const Track& track);

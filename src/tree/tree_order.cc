@@ -25,18 +25,20 @@ bool hasSortedChildren(const MenuNode& menu) {
   return name == "Artists" || name == "Albums" || name == "Geners" || name == "Songs";
 }
 
-// Sorts children by name. Where all of them carry content tokens it compares the ranks of their
-// names instead: std::sort then takes the same decisions and so comes to the same order, at a
+// Sorts children by name. Where all of them are numbers of tracks it compares the ranks of their
+// titles instead: std::sort then takes the same decisions and so comes to the same order, at a
 // fraction of the cost.
 class ChildSorter {
  public:
+  explicit ChildSorter(const TrackTable* tracks) : tracks_(tracks) {}
+
   // Has to see all menus, before any is sorted.
   void add(MenuNode& menu) {
     bool ranked = true;
-    for (auto child = menu.childrenBegin(); child != menu.childrenEnd(); ++child) {
-      const std::uint32_t token = (*child)->getContentToken();
-      ranked = ranked && token != 0;
-      if (token != 0 && !ranks_.knows(token)) ranks_.add(token, (*child)->getName());
+    for (std::size_t i = 0; i < menu.childCount(); ++i) {
+      const Child child = menu.childAt(i);
+      ranked = ranked && !child.isNode();
+      if (!child.isNode()) rankTitle(child.trackNumber());
     }
     menus_.push_back({&menu, ranked});
   }
@@ -60,8 +62,14 @@ class ChildSorter {
 
   struct Ranked {
     std::uint32_t rank;
-    MenuNode* node;
+    std::uint32_t track;
   };
+  using Sequence = std::vector<Ranked, LargeAllocator<Ranked>>;
+
+  void rankTitle(std::uint32_t track) {
+    if (ranks_.knows(track)) return;
+    ranks_.add(track, MenuNode::storedForm((*tracks_)[track]->getTitle()));
+  }
 
   // With the first bytes of each name at hand, few names have to be looked at.
   static void sortByName(MenuNode& menu) {
@@ -69,20 +77,29 @@ class ChildSorter {
       std::uint64_t bytes;
       MenuNode* node;
     };
+    const MenuNode::Position children = menu.childrenBegin();
     std::vector<Named, LargeAllocator<Named>> named;
     named.reserve(menu.childCount());
-    forEachPrefetched(menu.childrenBegin(), menu.childrenEnd(), [&](MenuNode& child) {
-      named.push_back({nameBytesAt(child.getName(), 0), &child});
-    });
+    forEachPrefetched(
+        menu.childCount(),
+        [&](std::size_t i) {
+          named.push_back({nameBytesAt(children[i]->getName(), 0), children[i]});
+        },
+        [&](std::size_t i) { prefetch(children[i]); },
+        [&](std::size_t i) { children[i]->prefetchContent(); });
     std::sort(named.begin(), named.end(), [](const Named& a, const Named& b) {
       return a.bytes != b.bytes ? a.bytes < b.bytes : a.node->getName() < b.node->getName();
     });
-    std::transform(named.begin(), named.end(), menu.childrenBegin(),
+    std::transform(named.begin(), named.end(), children,
                    [](const Named& entry) { return entry.node; });
   }
 
   void sortByRank(MenuNode& menu) {
-    load(menu);
+    ranked_.resize(menu.childCount());
+    for (std::size_t i = 0; i < ranked_.size(); ++i) {
+      const std::uint32_t track = menu.childAt(i).trackNumber();
+      ranked_[i] = {ranks_[track], track};
+    }
     // Without equal names there is but one order, and it doesn't matter how it is found.
     if (ranked_.size() >= kWorthDistributing && allDiffer()) {
       distribute();
@@ -90,7 +107,9 @@ class ChildSorter {
       std::sort(ranked_.begin(), ranked_.end(),
                 [](const Ranked& a, const Ranked& b) { return a.rank < b.rank; });
     }
-    store(menu);
+    for (std::size_t i = 0; i < ranked_.size(); ++i) {
+      menu.setChildAt(i, Child::ofTrack(ranked_[i].track));
+    }
   }
 
   bool allDiffer() {
@@ -101,21 +120,6 @@ class ChildSorter {
     }
     for (std::size_t i = 0; i < different; ++i) isThere_[ranked_[i].rank] = false;
     return different == ranked_.size();
-  }
-
-  void load(MenuNode& menu) {
-    ranked_.clear();
-    forEachPrefetched(
-        menu.childrenBegin(), menu.childrenEnd(),
-        [&](MenuNode& child) {
-          ranked_.push_back({ranks_[child.getContentToken()], &child});
-        },
-        [&](const MenuNode& child) { ranks_.prefetch(child.getContentToken()); });
-  }
-
-  void store(MenuNode& menu) const {
-    std::transform(ranked_.begin(), ranked_.end(), menu.childrenBegin(),
-                   [](const Ranked& ranked) { return ranked.node; });
   }
 
   // Radix sort, from the lowest digit up.
@@ -133,11 +137,10 @@ class ChildSorter {
     }
   }
 
-  using Sequence = std::vector<Ranked, LargeAllocator<Ranked>>;
-
   static constexpr std::size_t kWorthDistributing = 4096;
 
-  NameRanks ranks_;
+  const TrackTable* tracks_;
+  NameRanks ranks_;  // of titles, by track
   std::vector<Menu> menus_;
   Sequence ranked_;
   Sequence scratch_;
@@ -148,15 +151,17 @@ class ChildSorter {
 
 void MenuTree::sortTree(MenuNode* node) {
   if (node == nullptr) return;
-  ChildSorter sorter;
+  ChildSorter sorter(node->getTrackTable());
   std::vector<MenuNode*> menus = {node};
   while (!menus.empty()) {
     MenuNode& menu = *menus.back();
     menus.pop_back();
-    for (auto child = menu.childrenBegin(); child != menu.childrenEnd(); ++child) {
-      if ((*child)->childCount() == 0) continue;
-      if (hasSortedChildren(**child)) sorter.add(**child);
-      if ((*child)->getNodeType() != NODE_TYPE_MEDIA) menus.push_back(*child);
+    for (std::size_t i = 0; i < menu.childCount(); ++i) {
+      if (!menu.childAt(i).isNode()) continue;
+      MenuNode& child = *menu.childAt(i).node();
+      if (child.childCount() == 0) continue;
+      if (hasSortedChildren(child)) sorter.add(child);
+      if (child.getNodeType() != NODE_TYPE_MEDIA) menus.push_back(&child);
     }
   }
   sorter.sortAll();

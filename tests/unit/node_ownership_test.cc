@@ -43,7 +43,6 @@ TEST_P(NodeOwnership, FreshNodeHasNothing) {
   EXPECT_EQ(describeNode(node), "0 0 '' 0 0 0");
   EXPECT_EQ(node.getSpare(), 0U);
   EXPECT_EQ(node.getTrack(), nullptr);
-  EXPECT_EQ(node.getContentToken(), 0U);
   EXPECT_EQ(node.childCount(), 0U);
 }
 
@@ -108,7 +107,7 @@ class TrackLeaf : public NodeOwnership {
 
   MenuNode& leaf() {
     MenuNode& node = fresh();
-    node.becomeLeafOf(track_, 7);
+    node.becomeLeafOf(track_);
     return node;
   }
 
@@ -119,7 +118,6 @@ TEST_P(TrackLeaf, ShowsItsTrack) {
   const MenuNode& node = leaf();
   EXPECT_EQ(describeNode(node), "2 9 'title' 0 0 0");
   EXPECT_EQ(node.getTrack(), &track_);
-  EXPECT_EQ(node.getContentToken(), 7U);
   EXPECT_EQ(node.childCount(), 0U);
 }
 
@@ -133,7 +131,7 @@ TEST_P(TrackLeaf, ShortensATitleAsAFreshNodeDoes) {
   }
 }
 
-TEST_P(TrackLeaf, KeepsTokenAndTrackWithNumbersOfItsOwn) {
+TEST_P(TrackLeaf, KeepsItsTrackWithNumbersOfItsOwn) {
   MenuNode& node = leaf();
   node.setRecType(300);
   node.setRating(2);
@@ -143,11 +141,10 @@ TEST_P(TrackLeaf, KeepsTokenAndTrackWithNumbersOfItsOwn) {
   EXPECT_EQ(describeNode(node), "2 9 'title' 300 2 3");
   EXPECT_EQ(node.getSpare(), 4U);
   EXPECT_EQ(node.childCount(), 1U);
-  EXPECT_EQ(node.getContentToken(), 7U);
   EXPECT_EQ(node.getTrack(), &track_);
 }
 
-TEST_P(TrackLeaf, LosesOnlyTheTokenWhenItIsGivenValuesOfItsOwn) {
+TEST_P(TrackLeaf, KeepsItsTrackAndTheRestWhenItIsGivenValuesOfItsOwn) {
   MenuNode& named = leaf();
   named.setName("name");
   EXPECT_EQ(describeNode(named), "2 9 'name' 0 0 0");
@@ -164,7 +161,6 @@ TEST_P(TrackLeaf, LosesOnlyTheTokenWhenItIsGivenValuesOfItsOwn) {
   typed.setNodeType(NODE_TYPE_MENU);
   EXPECT_EQ(describeNode(typed), "1 9 'title' 0 0 0");
   for (const MenuNode* node : {&named, &borrowing, &longer, &numbered, &typed}) {
-    EXPECT_EQ(node->getContentToken(), 0U);
     EXPECT_EQ(node->getTrack(), &track_);
   }
 }
@@ -176,7 +172,6 @@ TEST_P(TrackLeaf, CanBeGivenAnotherTrack) {
     node.setTrack(track);
     EXPECT_EQ(node.getTrack(), track);
     EXPECT_EQ(describeNode(node), "2 9 'title' 0 0 0");
-    EXPECT_EQ(node.getContentToken(), 0U);
   }
 }
 

@@ -213,7 +213,8 @@ TEST(OneTableWriter, CutsWideValues) {
 TEST(OneTableLayout, GivesTheIndexOfTheFirstChild) {
   MenuTree tree;
   addMedia(*tree.getRoot(), 1, "song");
-  NodeTable table(5, NodeRecord{tree.getRoot(), 0});
+  NodeTable table;
+  for (int i = 0; i < 5; ++i) table.append({tree.root()});
   EXPECT_EQ(layoutNodeChildren(tree.getRoot(), table), 5U);
   EXPECT_EQ(table.size(), 6U);
   EXPECT_EQ(layoutNodeChildren(nullptr, table), 0xFFFFFFFFU);

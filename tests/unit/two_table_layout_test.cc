@@ -157,23 +157,24 @@ TEST_F(TwoTableLayout, NamesAreComparedOverTheirFirst64Bytes) {
                                        Links{kNone, 0, 2}, Links{kNone, 0, 1}));
 }
 
-TEST_F(TwoTableLayout, TokensChangeNothingInTheTables) {
+TEST_F(TwoTableLayout, LeavesOfTracksShareAsOthersDo) {
   Track one;
   one.setTitle("x");
   one.setMediaId(1);
   Track two;
   two.setTitle("x");
   two.setMediaId(2);
-  const auto addLeaf = [&](const Track& track, std::uint32_t token) -> MenuNode& {
-    return root_.appendChild([&](MenuNode& leaf) { leaf.becomeLeafOf(track, token); });
+  const TrackTable tracks = {nullptr, &one, &two, &one};
+  tree_.setTrackTable(tracks);
+  const auto addLeafNode = [&](const Track& track) -> MenuNode& {
+    return root_.appendChild([&](MenuNode& leaf) { leaf.becomeLeafOf(track); });
   };
   addMedia(root_, 1, "x");
-  addLeaf(one, 1);
-  addLeaf(one, 1);
-  addLeaf(one, 2000);
-  addLeaf(two, 3);
-  addLeaf(two, 0);
-  addLeaf(one, 1).setName("y");
+  for (const std::uint32_t number : {1U, 3U}) root_.appendLeaf(tracks, number);
+  addLeafNode(one);
+  root_.appendLeaf(tracks, 2);
+  addLeafNode(two);
+  addLeafNode(one).setName("y");
   EXPECT_THAT(
       written().tree,
       ElementsAre(Links{1, 7, 0}, Links{kNone, 0, 1}, Links{kNone, 0, 1}, Links{kNone, 0, 1},
@@ -264,7 +265,7 @@ TEST_F(TwoTableLayout, EmptyPlaylistsPointBehindTheirSiblingsDescendants) {
 TEST_F(TwoTableLayout, LayoutChildrenContinuesTablesThatAreNotEmpty) {
   TreeTable treeTable;
   for (int i = 0; i < 3; ++i) treeTable.appendLeaf(0);
-  DataTable dataTable(2, &root_);
+  DataTable dataTable(2, Child(&root_));
   DataRecordIndex idMap;
   EXPECT_EQ(layoutChildren(nullptr, treeTable, dataTable, idMap), kNone);
   EXPECT_EQ(layoutChildren(&root_, treeTable, dataTable, idMap), 3U) << "no children yet";

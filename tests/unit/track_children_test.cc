@@ -1,0 +1,189 @@
+// Leaves of tracks that stand among a menu's children as numbers must look like any other node.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <deque>
+#include <new>
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "allocation_probe.h"
+#include "output/one_table_writer.h"
+#include "output/two_table_writer.h"
+#include "recording_buffer.h"
+#include "seeded_random.h"
+#include "test_support.h"
+#include "tree/menu_tree.h"
+
+namespace Orvane::test {
+namespace {
+
+using ::testing::ElementsAre;
+
+class TrackChildren : public ::testing::Test {
+ protected:
+  TrackChildren() { tree_.setTrackTable(tracks_); }
+
+  // Returns the number that the track has.
+  std::uint32_t addTrack(std::uint32_t id, std::string_view title) {
+    Track& track = store_.emplace_back();
+    track.setMediaId(id);
+    track.setTitle(titles_.emplace_back(title));
+    tracks_.push_back(&track);
+    return static_cast<std::uint32_t>(tracks_.size() - 1);
+  }
+
+  std::deque<std::string> titles_;
+  std::deque<Track> store_;
+  TrackTable tracks_ = {nullptr};
+  MenuTree tree_;
+  MenuNode& root_ = *tree_.getRoot();
+};
+
+std::vector<std::string> describeChildren(MenuNode& menu) {
+  std::vector<std::string> result;
+  for (auto p = menu.firstChild(); menu.hasMoreChildren(); p = menu.nextChild()) {
+    result.push_back(describeNode(**p));
+  }
+  return result;
+}
+
+TEST_F(TrackChildren, AreNumbersUntilSomebodyLooks) {
+  root_.appendLeaf(tracks_, addTrack(7, "seven"));
+  addMedia(root_, 8, "eight");
+  ASSERT_EQ(root_.childCount(), 2U);
+  ASSERT_FALSE(root_.childAt(0).isNode());
+  EXPECT_EQ(root_.childAt(0).trackNumber(), 1U);
+  EXPECT_TRUE(root_.childAt(1).isNode());
+
+  EXPECT_THAT(describeChildren(root_), ElementsAre("2 7 'seven' 0 0 0", "2 8 'eight' 0 0 0"));
+  ASSERT_TRUE(root_.childAt(0).isNode());
+  EXPECT_EQ(root_.childAt(0).node()->getTrack(), &store_[0]);
+  EXPECT_EQ(root_.childAt(0).node(), *root_.childrenBegin());
+  EXPECT_EQ(root_.childrenBegin() + 2, root_.childrenEnd());
+}
+
+TEST_F(TrackChildren, EveryWayToLookMakesNodes) {
+  const std::uint32_t number = addTrack(7, "seven");
+  MenuNode wanted;
+  wanted.becomeLeafOf(store_[0]);
+  MenuNode::Position position = nullptr;
+  const MenuNode& constRoot = root_;
+  for (int way = 0; way < 6; ++way) {
+    root_.appendLeaf(tracks_, number);
+    const std::size_t last = root_.childCount() - 1;
+    ASSERT_FALSE(root_.childAt(last).isNode());
+    switch (way) {
+      case 0:
+        EXPECT_TRUE(root_.findChildByName(position, "seven"));
+        break;
+      case 1:
+        EXPECT_TRUE(root_.findChildByNameAndMediaId(position, "seven", 7));
+        break;
+      case 2:
+        EXPECT_EQ(root_.findMatchingChild(wanted), root_.childAt(0).node());
+        break;
+      case 3:
+        root_.nextChild();
+        break;
+      case 4:
+        EXPECT_EQ(constRoot.childrenBegin()[last]->getName(), "seven");
+        break;
+      default:
+        EXPECT_EQ(constRoot.childrenEnd()[-1]->getName(), "seven");
+    }
+    EXPECT_TRUE(root_.childAt(last).isNode()) << way;
+  }
+}
+
+TEST_F(TrackChildren, EachBecomesANodeOfItsOwn) {
+  const std::uint32_t number = addTrack(7, "seven");
+  for (int i = 0; i < 3; ++i) root_.appendLeaf(tracks_, number);
+  root_.childrenBegin()[1]->setName("mine");
+  EXPECT_THAT(describeChildren(root_),
+              ElementsAre("2 7 'seven' 0 0 0", "2 7 'mine' 0 0 0", "2 7 'seven' 0 0 0"));
+}
+
+TEST_F(TrackChildren, AreNodesWhereNumbersMeanNothing) {
+  const std::uint32_t number = addTrack(7, "seven");
+  const TrackTable other = {nullptr, &store_[0]};
+  root_.appendLeaf(other, number);
+  EXPECT_TRUE(root_.childAt(0).isNode());
+
+  MenuNode alone;
+  EXPECT_EQ(alone.getTrackTable(), nullptr);
+  alone.appendLeaf(tracks_, number);
+  EXPECT_TRUE(alone.childAt(0).isNode());
+  EXPECT_EQ(describeNode(**alone.childrenBegin()), "2 7 'seven' 0 0 0");
+
+  tree_.setTrackTable(other);
+  EXPECT_EQ(tree_.getTrackTable(), &tracks_) << "the first table counts";
+}
+
+TEST_F(TrackChildren, AreCountedAsNodes) {
+  const std::uint32_t number = addTrack(7, "seven");
+  const std::size_t before = tree_.nodeCountHint();
+  for (int i = 0; i < 100; ++i) root_.appendLeaf(tracks_, number);
+  EXPECT_EQ(tree_.nodeCountHint(), before + 100) << "they will have records all the same";
+}
+
+// The same tree with nodes in all places, and what std::sort makes of it.
+TEST_F(TrackChildren, AreSortedAndWrittenAsNodesAre) {
+  std::mt19937 random = seededRandom(11);
+  const auto below = [&](std::size_t limit) {
+    return static_cast<std::uint32_t>(random() % limit);
+  };
+  for (int round = 0; round < 40; ++round) {
+    MenuTree numbers;
+    MenuTree nodes;
+    numbers.setTrackTable(tracks_);
+    const std::uint32_t titles = 1 + below(30);
+    for (std::uint32_t i = 0; i < 60; ++i) {
+      addTrack(below(40), std::string(below(2) * 62, 't') + std::to_string(below(titles)));
+    }
+    for (std::uint32_t m = 0; m < 5; ++m) {
+      MenuNode& a = addMenu(*numbers.getRoot(), m, "Songs", 7);
+      MenuNode& b = addMenu(*nodes.getRoot(), m, "Songs", 7);
+      MenuNode& inA = a.appendChild([](MenuNode& menu) { menu.setRecType(RecType::kAlbum); });
+      MenuNode& inB = b.appendChild([](MenuNode& menu) { menu.setRecType(RecType::kAlbum); });
+      for (std::uint32_t i = below(300); i-- > 0;) {
+        const std::uint32_t number = 1 + below(tracks_.size() - 1);
+        const bool deeper = below(2) == 0;
+        (deeper ? inA : a).appendLeaf(tracks_, number);
+        (deeper ? inB : b).appendChild([&](MenuNode& leaf) {
+          leaf.becomeLeafOf(*tracks_[number]);
+        });
+      }
+    }
+    for (const bool sorted : {false, true}) {
+      if (sorted) {
+        MenuTree::sortTree(numbers.getRoot());
+        MenuTree::sortTree(nodes.getRoot());
+      }
+      for (const auto write : {writeOneTable, writeTwoTable}) {
+        RecordingBuffer expected;
+        RecordingBuffer actual;
+        write(nodes, expected);
+        write(numbers, actual);
+        ASSERT_EQ(actual.content, expected.content) << round << sorted;
+      }
+    }
+  }
+}
+
+TEST_F(TrackChildren, LackOfMemoryLosesNone) {
+  const std::uint32_t number = addTrack(7, "seven");
+  constexpr std::size_t kLeaves = 2000;  // more than fit into what the tree has at hand
+  for (std::size_t i = 0; i < kLeaves; ++i) root_.appendLeaf(tracks_, number);
+  {
+    const LimitedAllocations none(0);
+    EXPECT_THROW(root_.firstChild(), std::bad_alloc);
+  }
+  EXPECT_EQ(describeChildren(root_), std::vector<std::string>(kLeaves, "2 7 'seven' 0 0 0"));
+}
+
+}  // namespace
+}  // namespace Orvane::test
