@@ -46,10 +46,10 @@ void DiskBuffer::closeDescriptor() {
 }
 
 bool DiskBuffer::openStream(std::ios_base::openmode direction) {
-  stream_.rdbuf()->pubsetbuf(streamBuffer_.get(), kStreamBufferSize);
-  if (!stream_.is_open()) streamWrites_ = direction == std::ios_base::out;
+  stream_.setBuffer(streamBuffer_.get(), kStreamBufferSize);
+  if (!stream_.isOpen()) streamWrites_ = direction == std::ios_base::out;
   stream_.open(fileName_, direction | std::ios_base::binary);
-  return stream_.is_open();
+  return stream_.isOpen();
 }
 
 bool DiskBuffer::openForWrite() {
@@ -62,7 +62,7 @@ bool DiskBuffer::openForRead() {
 
 bool DiskBuffer::close() {
   Buffer::close();
-  const bool flushed = !stream_.is_open() || stream_.rdbuf()->close() != nullptr;
+  const bool flushed = !stream_.isOpen() || stream_.close();
   closeDescriptor();
   if (streamWrites_ && !flushed) throw OVWriteError(OVWriteError::kShortWrite);
   return true;
@@ -70,11 +70,7 @@ bool DiskBuffer::close() {
 
 bool DiskBuffer::write(const char* data, int length) {
   try {
-    // What stream_.write() does, less its checks for what this stream isn't: millions of records
-    // come through here.
-    if (!stream_.good() || stream_.rdbuf()->sputn(data, length) != length) {
-      stream_.setstate(std::ios_base::badbit);
-    }
+    if (!stream_.good() || !stream_.put(data, length)) stream_.setstate(std::ios_base::badbit);
   } catch (...) {
     std::terminate();
   }

@@ -3,11 +3,11 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <fstream>
 #include <memory>
 #include <string>
 
 #include "io/buffer.h"
+#include "io/file_stream.h"
 
 namespace Orvane {
 
@@ -57,7 +57,7 @@ class DiskBuffer : public Buffer {
   int fd_ = -1;
   std::string fileName_;
   std::unique_ptr<char[]> streamBuffer_;
-  std::fstream stream_;
+  FileStream stream_;
   bool streamWrites_ = false;   // what the stream was last opened for, whatever became of the mode
   std::uint64_t fileSize_ = 0;  // taken when the raw path is opened for reading
   std::uint64_t position_ = 0;  // bytes moved through the raw path since then
