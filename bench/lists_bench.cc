@@ -8,6 +8,7 @@
 #include "inventory/line_reader.h"
 #include "inventory/list_files.h"
 #include "inventory/name_folding.h"
+#include "inventory/split_fields.h"
 #include "inventory/track_manager.h"
 #include "memory_file.h"
 #include "sizes.h"

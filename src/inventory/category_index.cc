@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <numeric>
-#include <optional>
 #include <string>
 #include <utility>
 
@@ -25,13 +24,22 @@ bool CategoryIndex::orders(std::uint32_t a, std::uint32_t b) const {
   return names_[a].folded() < names_[b].folded();
 }
 
+std::uint32_t CategoryIndex::positionOf(std::uint32_t id) const {
+  if (id != lastId_ || lastPosition_ == kUnknown) {
+    const std::uint32_t* const found = nameById_.find(id);
+    lastId_ = id;
+    lastPosition_ = found == nullptr ? kUnknown : *found;
+  }
+  return lastPosition_;
+}
+
 std::uint32_t CategoryIndex::nameFor(std::uint32_t id, std::string_view text) {
-  const std::uint32_t* const known = nameById_.find(id);
-  const bool isNew = known == nullptr;
-  const auto position = isNew ? static_cast<std::uint32_t>(names_.size()) : *known;
+  std::uint32_t position = positionOf(id);
+  const bool isNew = position == kUnknown;
   if (isNew) {
+    position = static_cast<std::uint32_t>(names_.size());
     names_.push_back({.id = id});
-    *nameById_.enter(id).first = position;
+    nameById_.enter(id, position);
   }
   Name& name = names_[position];
   if (order_ == Order::kByName && (isNew || !isSameText(name.text(), text))) {
@@ -54,6 +62,10 @@ void CategoryIndex::placeEntries() {
   entries_ = {};
 }
 
+void CategoryIndex::expectEntries(std::size_t count) {
+  if (!placed_) entries_.reserve(entries_.size() + count);
+}
+
 void CategoryIndex::insert(std::uint32_t id, std::string_view name, std::uint32_t track) {
   const std::uint32_t position = nameFor(id, name);
   if (placed_) {
@@ -64,8 +76,8 @@ void CategoryIndex::insert(std::uint32_t id, std::string_view name, std::uint32_
 }
 
 std::string_view CategoryIndex::nameOf(std::uint32_t id) const {
-  const std::uint32_t* const position = nameById_.find(id);
-  return position == nullptr ? std::string_view() : names_[*position].text();
+  const std::uint32_t position = positionOf(id);
+  return position == kUnknown ? std::string_view() : names_[position].text();
 }
 
 std::vector<std::uint32_t> CategoryIndex::tracksInOrder() const {
@@ -123,13 +135,16 @@ std::vector<std::uint32_t> CategoryIndex::tracksOf(std::uint32_t id) const {
 // order.
 void CategoryIndex::eraseTracks(std::span<const std::uint32_t> tracks) {
   placeEntries();
-  IdMap<std::optional<Placed::iterator>> places;
-  for (const std::uint32_t track : tracks) places.enter(track);
-  for (auto entry = placed_->begin(); entry != placed_->end(); ++entry) {
-    if (places.find(entry->second) != nullptr) *places.enter(entry->second).first = entry;
+  std::vector<Placed::iterator> places(tracks.size(), placed_->end());
+  IdMap<std::uint32_t, 0xFFFFFFFF> placeOf;
+  for (std::size_t i = 0; i < tracks.size(); ++i) {
+    placeOf.enter(tracks[i], static_cast<std::uint32_t>(i));
   }
-  for (const std::uint32_t track : tracks) {
-    if (const auto& place = *places.find(track)) placed_->erase(*place);
+  for (auto entry = placed_->begin(); entry != placed_->end(); ++entry) {
+    if (const std::uint32_t* const place = placeOf.find(entry->second)) places[*place] = entry;
+  }
+  for (const auto& place : places) {
+    if (place != placed_->end()) placed_->erase(place);
   }
 }
 
@@ -143,6 +158,7 @@ void CategoryIndex::clear() {
   entries_.clear();
   names_.clear();
   nameById_.clear();
+  lastPosition_ = kUnknown;
   foldedNames_ = std::make_unique<Arena>();
 }
 

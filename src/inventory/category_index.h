@@ -35,6 +35,9 @@ class CategoryIndex {
   // the next clear().
   void insert(std::uint32_t id, std::string_view name, std::uint32_t track);
 
+  // Says that about so many entries will come.
+  void expectEntries(std::size_t count);
+
   // Ask, in this order and each in time for the next, for what nameOf(id) looks at: the id's entry,
   // its name, the bytes of that.
   void expectId(std::uint32_t id) const { nameById_.expect(id); }
@@ -83,13 +86,19 @@ class CategoryIndex {
   };
   using Placed = std::multimap<std::uint32_t, std::uint32_t, ByLiveName>;
 
+  static constexpr std::uint32_t kUnknown = 0xFFFFFFFF;
+
   bool orders(std::uint32_t a, std::uint32_t b) const;
+  std::uint32_t positionOf(std::uint32_t id) const;
   std::uint32_t nameFor(std::uint32_t id, std::string_view text);
   void placeEntries();
 
   Order order_;
   std::vector<Name, LargeAllocator<Name>> names_;
-  IdMap<std::uint32_t> nameById_;  // id to position in names_
+  IdMap<std::uint32_t, kUnknown> nameById_;  // id to position in names_
+  // What positionOf() found last: an id is asked for its name, then given an entry.
+  mutable std::uint32_t lastId_ = 0;
+  mutable std::uint32_t lastPosition_ = kUnknown;
   std::unique_ptr<Arena> foldedNames_ = std::make_unique<Arena>();
 
   // Either all entries as they came, or, once that doesn't determine their order, all in place.

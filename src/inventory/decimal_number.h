@@ -11,4 +11,9 @@ namespace Orvane {
 // result the low 32 bits count: 4294967295 is -1.
 std::int32_t parseDecimal(std::string_view text);
 
+// The same as an id, which has no sign.
+inline std::uint32_t parseId(std::string_view text) {
+  return static_cast<std::uint32_t>(parseDecimal(text));
+}
+
 }  // namespace Orvane

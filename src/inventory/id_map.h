@@ -1,8 +1,8 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <utility>
 #include <vector>
 
 #include "tree/huge_pages.h"
@@ -10,16 +10,16 @@
 
 namespace Orvane {
 
-// A map from 32-bit ids to small values: open addressing with linear probing, at most three
-// quarters full. A listener's million tracks go through several of these.
-template <typename Value>
+// A map from 32-bit ids to small values other than kNone: open addressing with linear probing, at
+// most three quarters full. A listener's million tracks go through several of these.
+template <typename Value, Value kNone>
 class IdMap {
  public:
   // The value entered under `id`, or nullptr. Good until the map changes.
   const Value* find(std::uint32_t id) const {
     if (slots_.empty()) return nullptr;
     const Slot& slot = slots_[place(id)];
-    return slot.used ? &slot.value : nullptr;
+    return slot.value != kNone ? &slot.value : nullptr;
   }
 
   // Asks for the place of `id`, which will soon be looked for.
@@ -27,29 +27,36 @@ class IdMap {
     if (!slots_.empty()) prefetch(&slots_[homeOf(id)]);
   }
 
-  // The value under `id`, entering a default one if there is none, and whether it was entered.
-  std::pair<Value*, bool> enter(std::uint32_t id) {
-    if (4 * (used_ + 1) > 3 * slots_.size()) grow();
+  // The value under `id`, which is `value` if there was none. To be set to other than kNone only,
+  // and good until the map changes.
+  Value& enter(std::uint32_t id, Value value) {
+    reserve(used_ + 1);
     Slot& slot = slots_[place(id)];
-    const bool isNew = !slot.used;
-    if (isNew) {
-      slot = {id, true, Value{}};
+    if (slot.value == kNone) {
+      slot = {id, value};
       ++used_;
     }
-    return {&slot.value, isNew};
+    return slot.value;
+  }
+
+  // Makes room for so many ids.
+  void reserve(std::size_t ids) {
+    std::size_t size = std::max<std::size_t>(slots_.size(), 16);
+    while (4 * ids > 3 * size) size *= 2;
+    if (size > slots_.size()) resize(size);
   }
 
   void erase(std::uint32_t id) {
     if (find(id) == nullptr) return;
     std::size_t hole = place(id);
-    slots_[hole].used = false;
+    slots_[hole].value = kNone;
     --used_;
     // Whatever the probing for an entry would now miss because of the hole moves into it.
-    for (std::size_t at = next(hole); slots_[at].used; at = next(at)) {
+    for (std::size_t at = next(hole); slots_[at].value != kNone; at = next(at)) {
       const std::size_t home = homeOf(slots_[at].id);
       if (((at - home) & mask()) >= ((at - hole) & mask())) {
         slots_[hole] = slots_[at];
-        slots_[at].used = false;
+        slots_[at].value = kNone;
         hole = at;
       }
     }
@@ -63,8 +70,7 @@ class IdMap {
  private:
   struct Slot {
     std::uint32_t id = 0;
-    bool used = false;
-    Value value{};
+    Value value = kNone;
   };
 
   std::size_t mask() const { return slots_.size() - 1; }
@@ -80,15 +86,15 @@ class IdMap {
   // Where `id` is, or would go.
   std::size_t place(std::uint32_t id) const {
     std::size_t at = homeOf(id);
-    while (slots_[at].used && slots_[at].id != id) at = next(at);
+    while (slots_[at].value != kNone && slots_[at].id != id) at = next(at);
     return at;
   }
 
-  void grow() {
-    std::vector<Slot, LargeAllocator<Slot>> old(slots_.empty() ? 16 : 2 * slots_.size());
+  void resize(std::size_t size) {
+    std::vector<Slot, LargeAllocator<Slot>> old(size);
     old.swap(slots_);
     for (const Slot& slot : old) {
-      if (slot.used) slots_[place(slot.id)] = slot;
+      if (slot.value != kNone) slots_[place(slot.id)] = slot;
     }
   }
 

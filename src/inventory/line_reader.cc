@@ -61,6 +61,7 @@ bool LineReader::fill() {
     throw OVReadError(OVReadError::kShortRead);
   }
   end_ += static_cast<std::size_t>(got);
+  bytesRead_ += static_cast<std::size_t>(got);
   return got != 0;
 }
 
@@ -89,6 +90,15 @@ std::string_view LineReader::next() {
     }
   }
   return line;
+}
+
+std::size_t LineReader::expectedLines() const {
+  struct stat status {};
+  const std::size_t used = bytesRead_ - (end_ - begin_);
+  if (used == 0 || ::fstat(descriptor_, &status) != 0) return 0;
+  const std::size_t size = static_cast<std::size_t>(status.st_size);
+  const std::size_t left = size > used ? size - used : 0;
+  return left / std::max<std::size_t>(used / lineNumber_, 16);
 }
 
 std::size_t LineReader::nextLines(std::span<std::string_view> lines) {

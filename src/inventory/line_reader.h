@@ -32,6 +32,10 @@ class LineReader {
   // Whether the last line had no line feed, so that nothing follows it.
   bool atEnd() const { return atEnd_; }
 
+  // About how many more lines there are, going by those read so far; 0 if the file doesn't tell its
+  // size. A guess, and never more than one for every 16 bytes.
+  std::size_t expectedLines() const;
+
   // The number of the last line, counted from 1.
   std::size_t lineNumber() const { return lineNumber_; }
 
@@ -45,6 +49,7 @@ class LineReader {
   std::size_t capacity_ = 0;
   std::size_t begin_ = 0;  // the unread part of the block
   std::size_t end_ = 0;
+  std::size_t bytesRead_ = 0;
   bool atEnd_ = false;
   std::size_t lineNumber_ = 0;
 };

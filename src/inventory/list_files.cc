@@ -4,83 +4,70 @@
 #include <array>
 #include <cstdint>
 #include <iostream>
+#include <span>
+#include <string>
+#include <string_view>
 
 #include "errors/printable.h"
-#include "inventory/byte_scan.h"
 #include "inventory/decimal_number.h"
 #include "inventory/id_map.h"
 #include "inventory/line_reader.h"
+#include "inventory/track_batch.h"
+#include "tree/made_ahead.h"
 
 namespace Orvane {
 
 namespace {
 
-constexpr std::string_view kSeparator = "|";
-constexpr std::size_t kRequiredFields = 8;
-constexpr std::size_t kUsedFields = 9;
+// How many tracks' or entries' places in memory are asked for together.
 constexpr std::size_t kLinesAtATime = 16;
 
 // The track of each media id that has come more than once in the tracks file, as it came last:
 // playlists name that one, while the manager keeps to the first.
-using LaterTracks = IdMap<const Track*>;
-
-std::uint32_t parseId(std::string_view text) {
-  return static_cast<std::uint32_t>(parseDecimal(text));
-}
+using LaterTracks = IdMap<const Track*, nullptr>;
 
 bool reportUnopened(const LineReader& reader, const char* path) {
   if (!reader.isOpen()) std::cout << "Unable to open file " << path;
   return !reader.isOpen();
 }
 
-// A track as its line gives it; the texts are in the line.
-struct TrackLine {
-  std::string_view title;
-  std::string_view artistName;
-  std::string_view albumName;
-  std::string_view genreName;
-  std::uint32_t rating;
-};
-
-TrackIds parseIds(const std::vector<std::string_view>& fields) {
-  return {parseId(fields[0]), parseId(fields[2]), parseId(fields[4]), parseId(fields[6])};
+void addTracks(TrackManager& manager, const TrackBatch& batch, LaterTracks& laterTracks) {
+  const std::span<const TrackIds> allIds = batch.ids();
+  for (std::size_t i = 0; i < allIds.size(); ++i) {
+    if (i % kLinesAtATime == 0) {
+      manager.expectTracks(allIds.subspan(i, std::min(kLinesAtATime, allIds.size() - i)));
+    }
+    const TrackBatch::Texts& texts = batch.texts()[i];
+    const TrackIds& ids = allIds[i];
+    const Track* const track =
+        manager.addTrack(texts.title, ids.media, texts.artistName, ids.artist, texts.albumName,
+                         ids.album, texts.genreName, ids.genre, texts.rating);
+    if (manager.getIndex().numberOf(*track) == 0) laterTracks.enter(ids.media, track) = track;
+  }
 }
 
 void readTracks(TrackManager& manager, const char* path, LaterTracks& laterTracks) {
+  constexpr std::size_t kFirstBatches = 64;
+  constexpr std::size_t kFirstBatchLines = 128;
+  constexpr std::size_t kBatchLines = 2048;
+
   LineReader reader(path);
   if (reportUnopened(reader, path)) return;
-  std::array<std::string_view, kLinesAtATime> lines;
-  std::vector<std::string_view> fields;
-  std::vector<TrackLine> tracks;
-  std::vector<TrackIds> ids;  // of the same tracks
-  while (!reader.atEnd()) {
-    tracks.clear();
-    ids.clear();
-    const std::size_t count = reader.nextLines(lines);
-    for (std::size_t i = 0; i < count; ++i) {
-      fields.clear();
-      splitFields(lines[i], fields, kSeparator, kUsedFields);
-      if (fields.size() >= kRequiredFields) {
-        const std::uint32_t rating = fields.size() < kUsedFields ? 0 : parseId(fields[8]);
-        tracks.push_back({fields[1], fields[3], fields[5], fields[7], rating});
-        ids.push_back(parseIds(fields));
-      } else if (lines[i].find(kSeparator) != std::string_view::npos) {
-        std::cerr << printable(path) << ":" << reader.lineNumber() - count + 1 + i << ": expected "
-                  << kRequiredFields << " fields, found " << fields.size() << ": line skipped"
-                  << std::endl;
-      }
-    }
-    manager.expectTracks(ids);
-    for (std::size_t i = 0; i < tracks.size(); ++i) {
-      const TrackLine& line = tracks[i];
-      const Track* const track =
-          manager.addTrack(line.title, ids[i].media, line.artistName, ids[i].artist, line.albumName,
-                           ids[i].album, line.genreName, ids[i].genre, line.rating);
-      if (manager.findTrack(ids[i].media) != track) {
-        *laterTracks.enter(ids[i].media).first = track;
-      }
-    }
+  TrackBatch first;
+  for (std::size_t i = 0; i < kFirstBatches && !reader.atEnd(); ++i) {
+    first.read(reader, path, kFirstBatchLines, false);
+    addTracks(manager, first, laterTracks);
   }
+  if (reader.atEnd()) return;
+  // Only now is there enough to do for two threads.
+  manager.expectTracks(reader.expectedLines());
+  forEachMadeAhead<TrackBatch>(
+      [&](TrackBatch& batch) {
+        if (reader.atEnd()) return false;
+        batch.read(reader, path, kBatchLines, true);
+        return true;
+      },
+      [&](const TrackBatch& batch) { addTracks(manager, batch, laterTracks); });
 }
 
 // The lines of a playlists file. Most are media ids: where the next ones lead is asked for in time.
@@ -165,30 +152,6 @@ void readInventoryFiles(TrackManager& manager, const char* tracksFile, const cha
   LaterTracks laterTracks;
   readTracks(manager, tracksFile, laterTracks);
   readPlaylists(manager, playlistsFile, withPlaylistIds, laterTracks);
-}
-
-void splitFields(std::string_view line, std::vector<std::string_view>& fields,
-                 std::string_view separators, std::size_t limit) {
-  std::size_t left = limit;
-  std::size_t begin = 0;
-  const auto endField = [&](std::size_t end) {
-    if (left > 0 && end > begin) {
-      fields.push_back(line.substr(begin, end - begin));
-      --left;
-    }
-    begin = end + 1;
-    return left > 0;
-  };
-  if (separators.size() == 1) {
-    forEachOccurrence(line, separators.front(), endField);
-  } else {
-    for (std::size_t end = 0; left > 0;) {
-      end = line.find_first_of(separators, begin);
-      if (end == std::string_view::npos) break;
-      endField(end);
-    }
-  }
-  if (begin < line.size()) endField(line.size());
 }
 
 void printInventory(const TrackManager& manager) {

@@ -1,11 +1,13 @@
 #include "inventory/menu_builder.h"
 
+#include <algorithm>
 #include <array>
 #include <optional>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "tree/parallel.h"
 #include "tree/position_index.h"
 #include "tree/prefetch.h"
 
@@ -13,14 +15,16 @@ namespace Orvane {
 
 namespace {
 
+void fillMenu(MenuNode& menu, std::string_view name, std::uint32_t recType, std::uint32_t id) {
+  menu.setBorrowedName(name);
+  menu.setNodeType(NODE_TYPE_MENU);
+  menu.setRecType(recType);
+  menu.setMediaId(id);
+}
+
 MenuNode& appendMenu(MenuNode& parent, std::string_view name, std::uint32_t recType,
                      std::uint32_t id) {
-  return parent.appendChild([&](MenuNode& menu) {
-    menu.setBorrowedName(name);
-    menu.setNodeType(NODE_TYPE_MENU);
-    menu.setRecType(recType);
-    menu.setMediaId(id);
-  });
+  return parent.appendChild([&](MenuNode& menu) { fillMenu(menu, name, recType, id); });
 }
 
 // Appends leaves for the tracks of one manager.
@@ -60,7 +64,7 @@ void forEachTrack(const TrackIndex& index, const CategoryIndex& category, Use us
   forEachPrefetched(
       numbers.size(), [&](std::size_t i) { use(*tracks[numbers[i]], numbers[i]); },
       [&](std::size_t i) { prefetch(&tracks[numbers[i]]); },
-      [&](std::size_t i) { prefetch(tracks[numbers[i]]); });
+      [&](std::size_t i) { prefetchTrack(tracks[numbers[i]]); });
 }
 
 // Tells the runs of equal ids apart in a sequence.
@@ -85,7 +89,7 @@ void addPlaylistsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& cat
     const std::vector<const Track*>& tracks = playlist.getTracks();
     forEachPrefetched(
         tracks.size(), [&](std::size_t i) { leaves.append(menu, *tracks[i]); },
-        [&](std::size_t i) { prefetch(tracks[i]); });
+        [&](std::size_t i) { prefetchTrack(tracks[i]); });
   }
 }
 
@@ -223,10 +227,20 @@ void buildMenuFromInventory(const TrackManager& manager, MenuTree& tree) {
                                                     {"Songs", addSongsMenu},
                                                     {"Genres", addGenresMenu},
                                                     {"Favorites", addRatingsMenu}}};
-  for (const Category& category : kCategories) {
-    category.fill(manager, tree,
-                  appendMenu(*tree.getRoot(), category.name, RecType::kPlainMenu, 0));
-  }
+  const TrackTable& tracks = manager.getIndex().getTracksByNumber();
+  tree.setTrackTable(tracks);
+  const std::size_t workers = workersFor(tracks.size());
+  std::array<MenuNode*, kCategories.size()> menus;
+  std::transform(
+      kCategories.begin(), kCategories.end(), menus.begin(), [&](const Category& category) {
+        MenuNode& menu =
+            workers > 1 ? tree.appendApart() : tree.getRoot()->appendChild([](MenuNode&) {});
+        fillMenu(menu, category.name, RecType::kPlainMenu, 0);
+        return &menu;
+      });
+  forEachInParallel(menus.size(), workers, [&](std::size_t i, std::size_t /*worker*/) {
+    kCategories[i].fill(manager, tree, *menus[i]);
+  });
 }
 
 }  // namespace Orvane

@@ -6,8 +6,8 @@
 namespace Orvane {
 
 // Appends the six categories "Playlists", "Artists", "Albums", "Songs", "Genres" and "Favorites" to
-// the tree's root, in this order, each filled from the manager before the next one is made. Empty
-// categories are made too; "Favorites" always has its three star menus.
+// the tree's root, in this order, and fills them from the manager, several at a time when there is
+// much to do. Empty categories are made too; "Favorites" always has its three star menus.
 //
 // Nodes refer to the manager's tracks and texts: the manager must outlive the tree, and must not be
 // cleared while the tree is in use. Throws only for lack of memory.

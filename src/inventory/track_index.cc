@@ -1,16 +1,21 @@
 #include "inventory/track_index.h"
 
 #include <algorithm>
+#include <new>
 
 #include "tree/prefetch.h"
 
 namespace Orvane {
 
 bool TrackIndex::add(Track& track) {
-  if (has(track.getMediaId())) return false;
   const auto number = static_cast<Number>(tracksByNumber_.size());
   tracksByNumber_.push_back(&track);
-  *tracksById_.enter(track.getMediaId()).first = number;
+  Number& entered = tracksById_.enter(track.getMediaId(), number);
+  if (entered == kNoTrack) entered = number;
+  if (entered != number) {
+    tracksByNumber_.pop_back();
+    return false;
+  }
   track.number_ = number <= kMaxToldNumber ? number & kMaxToldNumber : 0;
   trackList_.push_back(&track);
 
@@ -22,6 +27,18 @@ bool TrackIndex::add(Track& track) {
   enter(albums_, track.getAlbumId(), track.getAlbumName());
   enter(ratings_, track.getRating(), {});
   return true;
+}
+
+// Without it, half of the memory that growing sequences touch would be given up again.
+void TrackIndex::expect(std::size_t count) {
+  try {
+    trackList_.reserve(trackList_.size() + count);
+    tracksByNumber_.reserve(tracksByNumber_.size() + count);
+    tracksById_.reserve(tracksByNumber_.size() + count);
+    for (CategoryIndex* category : {&genres_, &artists_, &albums_}) category->expectEntries(count);
+  } catch (const std::bad_alloc&) {
+    // What really comes may well fit.
+  }
 }
 
 // In steps, each of which finds what the one before has asked for.
@@ -75,7 +92,7 @@ const Track* TrackIndex::find(std::uint32_t mediaId) const {
 }
 
 const Track* TrackIndex::findOrEnter(std::uint32_t mediaId) {
-  tracksById_.enter(mediaId);
+  tracksById_.enter(mediaId, kNoTrack);
   return find(mediaId);
 }
 

@@ -31,6 +31,9 @@ class TrackIndex {
   // and its texts must outlive the index, or the next clear().
   bool add(Track& track);
 
+  // Says that about so many tracks will be added.
+  void expect(std::size_t count);
+
   // Says that tracks with these ids will be added next. What that looks at is all over the memory:
   // asked for in time, it is there.
   void expect(std::span<const TrackIds> tracks) const;
@@ -86,7 +89,7 @@ class TrackIndex {
 
   std::vector<const Track*> trackList_;
   TrackTable tracksByNumber_ = {nullptr};
-  IdMap<Number> tracksById_;
+  IdMap<Number, 0xFFFFFFFF> tracksById_;
   CategoryIndex genres_{CategoryIndex::Order::kByName};
   CategoryIndex artists_{CategoryIndex::Order::kByName};
   CategoryIndex albums_{CategoryIndex::Order::kByName};

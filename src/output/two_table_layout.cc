@@ -6,6 +6,7 @@
 #include "output/data_record.h"
 #include "output/family_layout.h"
 #include "tree/child_view.h"
+#include "tree/parallel.h"
 #include "tree/prefetch.h"
 
 namespace Orvane {
@@ -26,9 +27,7 @@ class TwoTables {
         treeTable_(treeTable),
         dataTable_(dataTable),
         idMap_(idMap) {
-    if (tracks == nullptr || tracks->size() <= idMap.byTrack.size()) return;
-    idMap.byTrack.resize(tracks->size());
-    idMap.byNameAndId.reserve(tracks->size());
+    if (tracks != nullptr) hashNewTracks(*tracks);
   }
 
   using Link = TreeTable::Link;
@@ -38,7 +37,7 @@ class TwoTables {
   Link append(Child child) {
     if (!child.isNode()) return treeTable_.appendLeaf(dataIndexOf(child));
     const MenuNode& node = *child.node();
-    TreeRecord record{.dataIndex = findOrAdd(child)};
+    TreeRecord record{.dataIndex = findOrAdd(child, hashOf(node))};
     const bool isLeaf = node.getNodeType() == NODE_TYPE_MEDIA && node.childCount() == 0;
     if (isLeaf && !isDeferred(node)) return treeTable_.appendLeaf(record.dataIndex);
     fillTreeRecord(node, record);
@@ -52,18 +51,19 @@ class TwoTables {
   }
 
   void expect(Child child, int step) {
-    if (!child.isNode()) {
-      const std::uint32_t& known = idMap_.byTrack[child.trackNumber()];
+    if (child.isNode()) {
+      if (step < 2) {
+        view_.expect(child, step);
+      } else {
+        idMap_.byNameAndId.expect(hashOf(*child.node()));
+      }
+    } else {
+      const DataRecordIndex::OfTrack& known = idMap_.byTrack[child.trackNumber()];
       if (step == 0) {
         prefetch(&known);
-      } else if (known != 0) {
-        return;
+      } else if (step == 1 && known.index == 0) {
+        idMap_.byNameAndId.expect(known.hash);
       }
-    }
-    if (step < 2) {
-      view_.expect(child, step);
-    } else {
-      idMap_.byNameAndId.expect(hashOf(view_(child)));
     }
   }
 
@@ -72,20 +72,40 @@ class TwoTables {
     return hashNameAndId(comparedName(node), node.getMediaId());
   }
 
-  std::uint32_t dataIndexOf(Child leaf) {
-    std::uint32_t& known = idMap_.byTrack[leaf.trackNumber()];
-    if (known == 0) known = findOrAdd(leaf);
-    return known;
+  // Track after track, as they and their titles stand in memory: their leaves come in any order.
+  void hashNewTracks(const TrackTable& tracks) {
+    constexpr std::size_t kStep = 4096;
+    auto& byTrack = idMap_.byTrack;
+    const std::size_t known = std::max<std::size_t>(byTrack.size(), 1);  // there is no track 0
+    if (tracks.size() <= known) return;
+    byTrack.resize(tracks.size());
+    idMap_.byNameAndId.reserve(tracks.size());
+    const std::size_t count = tracks.size() - known;
+    forEachInParallel(
+        (count + kStep - 1) / kStep, workersFor(count), [&](std::size_t i, std::size_t) {
+          MenuNode leaf;
+          const std::size_t begin = known + i * kStep;
+          for (std::size_t at = begin; at < std::min(begin + kStep, tracks.size()); ++at) {
+            leaf.becomeLeafOf(*tracks[at]);
+            byTrack[at].hash = hashOf(leaf);
+          }
+        });
   }
 
-  std::uint32_t findOrAdd(Child child) {
-    const MenuNode& node = view_(child);
-    const std::string_view name = comparedName(node);
+  std::uint32_t dataIndexOf(Child leaf) {
+    DataRecordIndex::OfTrack& known = idMap_.byTrack[leaf.trackNumber()];
+    if (known.index == 0) known.index = findOrAdd(leaf, known.hash);
+    return known.index;
+  }
+
+  std::uint32_t findOrAdd(Child child, std::uint32_t hash) {
     const auto next = static_cast<std::uint32_t>(dataTable_.size());
     const std::uint32_t index =
-        idMap_.byNameAndId.findOrInsert(hashOf(node), next, [&](std::uint32_t candidate) {
+        idMap_.byNameAndId.findOrInsert(hash, next, [&](std::uint32_t candidate) {
+          const MenuNode& node = view_(child);
           const MenuNode& other = candidateView_(dataTable_[candidate]);
-          return other.getMediaId() == node.getMediaId() && comparedName(other) == name;
+          return other.getMediaId() == node.getMediaId() &&
+                 comparedName(other) == comparedName(node);
         });
     if (index == next) dataTable_.push_back(child);
     return index;

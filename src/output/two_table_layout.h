@@ -18,9 +18,13 @@ using DataTable = std::vector<Child, LargeAllocator<Child>>;
 // Data records by what they are shared by. The root's record is never entered, so nothing shares
 // it.
 struct DataRecordIndex {
+  struct OfTrack {
+    std::uint32_t hash;   // of the name and id of its leaves
+    std::uint32_t index;  // of the record that they share; 0 where there is none yet
+  };
+
   PositionIndex byNameAndId;
-  // By number, for tracks that stand among the children; 0 where none is known.
-  std::vector<std::uint32_t, LargeAllocator<std::uint32_t>> byTrack;
+  std::vector<OfTrack, LargeAllocator<OfTrack>> byTrack;  // by number
 };
 
 // Lays out the descendants of `node` behind what the tables hold and returns the tree index of its

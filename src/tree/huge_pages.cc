@@ -5,19 +5,20 @@
 
 #include <cstdint>
 
+#include "tree/spare_memory.h"
+
 namespace Orvane {
 
 namespace {
 
 // What is smaller isn't worth pages of its own.
-constexpr std::size_t kSmallestMapping = kHugePageSize;
-
 bool isMapped(std::size_t size) {
-  return size >= kSmallestMapping;
+  return size >= kHugePageSize;
 }
 
-bool usesHugePages(std::size_t size) {
-  return size >= kHugePageSize;
+SpareMemory& spareMemory() {
+  static SpareMemory spare;
+  return spare;
 }
 
 std::size_t roundedUp(std::size_t size) {
@@ -39,12 +40,12 @@ void unmap(std::byte* memory, std::size_t size) noexcept {
 
 void* allocateLarge(std::size_t size) {
   if (!isMapped(size)) return ::operator new(size);
-  if (!usesHugePages(size)) return map(size);
   if (size > PTRDIFF_MAX - 2 * kHugePageSize) throw std::bad_alloc();
 
   // Only a piece that begins at a multiple of the page size can have large pages: map more than is
   // needed, and give back what is before and after.
   const std::size_t wanted = roundedUp(size);
+  if (std::byte* const spare = spareMemory().take(wanted)) return spare;
   const std::size_t mapped = wanted + kHugePageSize;
   std::byte* const begin = map(mapped);
   const std::size_t before =
@@ -59,6 +60,7 @@ void* allocateLarge(std::size_t size) {
 void keepFreedMemory() noexcept {
   constexpr int kMebibyte = 1 << 20;
   // Refusals would cost time only.
+  static_cast<void>(::mallopt(M_ARENA_MAX, 1));
   static_cast<void>(::mallopt(M_MMAP_THRESHOLD, 8 * kMebibyte));
   static_cast<void>(::mallopt(M_TRIM_THRESHOLD, 64 * kMebibyte));
   static_cast<void>(::mallopt(M_TOP_PAD, kMebibyte));
@@ -67,8 +69,8 @@ void keepFreedMemory() noexcept {
 void freeLarge(void* memory, std::size_t size) noexcept {
   if (!isMapped(size)) {
     ::operator delete(memory);
-  } else {
-    unmap(static_cast<std::byte*>(memory), usesHugePages(size) ? roundedUp(size) : size);
+  } else if (!spareMemory().keep(static_cast<std::byte*>(memory), roundedUp(size))) {
+    unmap(static_cast<std::byte*>(memory), roundedUp(size));
   }
 }
 

@@ -9,14 +9,14 @@ namespace Orvane {
 
 inline constexpr std::size_t kHugePageSize = std::size_t{1} << 21;
 
-// `size` bytes straight from the system when `size` is worth it, so that they go back to it when
-// they are freed, and in large pages where those fit. Throws std::bad_alloc. To be given back with
-// the same size.
+// `size` bytes, with any contents; when `size` is worth it in large pages, which are kept for the
+// next who asks when they are freed. Throws std::bad_alloc. To be given back with the same size.
 void* allocateLarge(std::size_t size);
 void freeLarge(void* memory, std::size_t size) noexcept;
 
 // Has malloc keep, for the whole process, what is freed for what is asked for next: sequences that
-// grow give much back that would otherwise be touched for the first time again and again.
+// grow give much back that would otherwise be touched for the first time again and again. Threads
+// share it.
 void keepFreedMemory() noexcept;
 
 // For containers that may grow large.

@@ -237,6 +237,14 @@ MenuNode* MenuNode::makeChild() {
   return branch_->arena ? branch_->arena->make() : new MenuNode();
 }
 
+// Appends a fresh node of another arena that lives as long.
+MenuNode& MenuNode::appendChildOf(NodeArena& arena) {
+  MenuNode* const child = arena.make();
+  growChildren();
+  link(child);
+  return *child;
+}
+
 void MenuNode::discardChild(MenuNode* child) {
   if (branch_->arena == nullptr) delete child;
 }

@@ -181,6 +181,7 @@ class MenuNode {
   MenuNode* findMatchingChild(const MenuNode& other);
 
  private:
+  friend class MenuTree;
   friend class NodeArena;
 
   // What few nodes have.
@@ -228,6 +229,7 @@ class MenuNode {
   void takeName(std::string_view name, bool isOwned);
   void takeCopy(std::string_view front, std::string_view back);
   MenuNode* makeChild();
+  MenuNode& appendChildOf(NodeArena& arena);
   void discardChild(MenuNode* child);
   void link(MenuNode* child) { branch_->children[branch_->count++] = child; }
   void growChildren();

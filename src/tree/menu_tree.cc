@@ -17,7 +17,15 @@ bool MenuTree::addChild(MenuNode* parent, std::unique_ptr<MenuNode> child) {
 }
 
 std::size_t MenuTree::nodeCountHint() const {
-  return arena_->nodeCount();
+  std::size_t count = arena_->nodeCount();
+  for (const auto& arena : arenasApart_) count += arena->nodeCount();
+  return count;
+}
+
+MenuNode& MenuTree::appendApart() {
+  NodeArena& arena = *arenasApart_.emplace_back(std::make_unique<NodeArena>());
+  if (getTrackTable() != nullptr) arena.setTrackTable(*getTrackTable());
+  return root_->appendChildOf(arena);
 }
 
 void MenuTree::setTrackTable(const TrackTable& tracks) {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "tree/menu_node.h"
 
@@ -31,6 +32,10 @@ class MenuTree {
   static bool addChild(MenuNode* parent, std::unique_ptr<MenuNode> child);
   bool addChildToRoot(std::unique_ptr<MenuNode> child);
 
+  // Appends a fresh menu to the root whose subtree may be built while other threads build elsewhere
+  // in the tree: it has its memory to itself. The tree's track table has to be set before.
+  MenuNode& appendApart();
+
   // About how many nodes the tree has, counting leaves that are numbers: those that it made itself.
   std::size_t nodeCountHint() const;
 
@@ -56,6 +61,7 @@ class MenuTree {
 
  private:
   std::unique_ptr<NodeArena> arena_;
+  std::vector<std::unique_ptr<NodeArena>> arenasApart_;  // of subtrees
   MenuNode* root_;
 };
 

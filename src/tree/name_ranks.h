@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <vector>
@@ -12,10 +13,10 @@ namespace Orvane {
 // ranks compare as the names do, equal ones of equal names.
 class NameRanks {
  public:
-  // Whether a name was added for the number.
-  bool knows(std::uint32_t number) const { return number < isKnown_.size() && isKnown_[number]; }
+  // Makes room for so many names, with numbers up to `highestNumber`.
+  void reserve(std::size_t count, std::uint32_t highestNumber);
 
-  // Adds a name; its bytes must stay until rank() is called. The first name of a number counts.
+  // Adds a name; its bytes must stay until rank() is called. No number may come twice.
   void add(std::uint32_t number, std::string_view name);
 
   // Ranks all names added.
@@ -36,12 +37,13 @@ class NameRanks {
     std::uint32_t number;
   };
 
+  std::vector<std::size_t> partByFirstByte();
+  void order(std::size_t begin, std::size_t end, std::vector<std::uint8_t>& startsRank);
   static void prefetchByte(const Key& key, std::size_t offset);
 
   template <typename T>
   using Sequence = std::vector<T, LargeAllocator<T>>;
 
-  std::vector<bool> isKnown_;  // by number: a name was added
   Sequence<Key> keys_;
   Sequence<std::uint32_t> ranks_;  // by number
   std::uint32_t highest_ = 0;

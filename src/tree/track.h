@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tree/prefetch.h"
+
 namespace Orvane {
 
 class TrackManager;
@@ -78,6 +80,12 @@ class Track {
   std::uint32_t isRegistered_ : 1 = 0;  // some manager owns it
   std::uint32_t isPooled_ : 1 = 0;      // it is part of its manager's store
 };
+
+// Asks for all of a track, which may reach into a second line of the cache.
+inline void prefetchTrack(const Track* track) {
+  prefetch(track);
+  prefetch(reinterpret_cast<const char*>(track) + sizeof(Track) - 1);
+}
 
 // Tracks by their numbers; there is none with number 0.
 using TrackTable = std::vector<const Track*>;

@@ -7,6 +7,7 @@
 #include "tree/menu_tree.h"
 #include "tree/name_bytes.h"
 #include "tree/name_ranks.h"
+#include "tree/parallel.h"
 #include "tree/prefetch.h"
 
 namespace Orvane {
@@ -25,12 +26,76 @@ bool hasSortedChildren(const MenuNode& menu) {
   return name == "Artists" || name == "Albums" || name == "Geners" || name == "Songs";
 }
 
+// Sorts children that are numbers of tracks by the ranks of the titles.
+class RankSorter {
+ public:
+  explicit RankSorter(const NameRanks& ranks) : ranks_(&ranks) {}
+
+  void sort(MenuNode& menu) {
+    ranked_.resize(menu.childCount());
+    for (std::size_t i = 0; i < ranked_.size(); ++i) {
+      const std::uint32_t track = menu.childAt(i).trackNumber();
+      ranked_[i] = {(*ranks_)[track], track};
+    }
+    // Without equal names there is but one order, and it doesn't matter how it is found.
+    if (ranked_.size() >= kWorthDistributing && allDiffer()) {
+      distribute();
+    } else {
+      std::sort(ranked_.begin(), ranked_.end(),
+                [](const Ranked& a, const Ranked& b) { return a.rank < b.rank; });
+    }
+    for (std::size_t i = 0; i < ranked_.size(); ++i) {
+      menu.setChildAt(i, Child::ofTrack(ranked_[i].track));
+    }
+  }
+
+ private:
+  struct Ranked {
+    std::uint32_t rank;
+    std::uint32_t track;
+  };
+  using Sequence = std::vector<Ranked, LargeAllocator<Ranked>>;
+
+  bool allDiffer() {
+    isThere_.resize(ranks_->highest() + std::size_t{1});
+    std::size_t different = 0;
+    while (different < ranked_.size() && !isThere_[ranked_[different].rank]) {
+      isThere_[ranked_[different++].rank] = true;
+    }
+    for (std::size_t i = 0; i < different; ++i) isThere_[ranked_[i].rank] = false;
+    return different == ranked_.size();
+  }
+
+  // Radix sort, from the lowest digit up.
+  void distribute() {
+    constexpr unsigned kDigitBits = 11;
+    constexpr std::size_t kDigits = std::size_t{1} << kDigitBits;
+    scratch_.resize(ranked_.size());
+    for (unsigned shift = 0; shift < 32 && ranks_->highest() >> shift != 0; shift += kDigitBits) {
+      std::array<std::size_t, kDigits + 1> place{};
+      const auto digit = [&](const Ranked& r) { return (r.rank >> shift) & (kDigits - 1); };
+      for (const Ranked& r : ranked_) ++place[digit(r) + 1];
+      std::partial_sum(place.begin(), place.end(), place.begin());
+      for (const Ranked& r : ranked_) scratch_[place[digit(r)]++] = r;
+      ranked_.swap(scratch_);
+    }
+  }
+
+  static constexpr std::size_t kWorthDistributing = 4096;
+
+  const NameRanks* ranks_;
+  Sequence ranked_;
+  Sequence scratch_;
+  std::vector<bool> isThere_;  // by rank; false between uses
+};
+
 // Sorts children by name. Where all of them are numbers of tracks it compares the ranks of their
 // titles instead: std::sort then takes the same decisions and so comes to the same order, at a
 // fraction of the cost.
 class ChildSorter {
  public:
-  explicit ChildSorter(const TrackTable* tracks) : tracks_(tracks) {}
+  explicit ChildSorter(const TrackTable* tracks)
+      : tracks_(tracks), isWanted_(tracks == nullptr ? 0 : tracks->size()) {}
 
   // Has to see all menus, before any is sorted.
   void add(MenuNode& menu) {
@@ -38,20 +103,27 @@ class ChildSorter {
     for (std::size_t i = 0; i < menu.childCount(); ++i) {
       const Child child = menu.childAt(i);
       ranked = ranked && !child.isNode();
-      if (!child.isNode()) rankTitle(child.trackNumber());
+      if (!child.isNode()) isWanted_[child.trackNumber()] = true;
     }
+    if (!ranked) menu.childrenBegin();  // makes nodes of all, which workers can't do side by side
     menus_.push_back({&menu, ranked});
+    childCount_ += menu.childCount();
   }
 
   void sortAll() {
-    ranks_.rank();
-    for (const Menu& menu : menus_) {
-      if (menu.isRanked) {
-        sortByRank(*menu.node);
+    rankTitles();
+    // The largest first, so that no worker is left with one at the end.
+    std::sort(menus_.begin(), menus_.end(), [](const Menu& a, const Menu& b) {
+      return a.node->childCount() > b.node->childCount();
+    });
+    std::vector<RankSorter> sorters(workersFor(childCount_), RankSorter(ranks_));
+    forEachInParallel(menus_.size(), sorters.size(), [&](std::size_t i, std::size_t worker) {
+      if (menus_[i].isRanked) {
+        sorters[worker].sort(*menus_[i].node);
       } else {
-        sortByName(*menu.node);
+        sortByName(*menus_[i].node);
       }
-    }
+    });
   }
 
  private:
@@ -60,15 +132,17 @@ class ChildSorter {
     bool isRanked;
   };
 
-  struct Ranked {
-    std::uint32_t rank;
-    std::uint32_t track;
-  };
-  using Sequence = std::vector<Ranked, LargeAllocator<Ranked>>;
-
-  void rankTitle(std::uint32_t track) {
-    if (ranks_.knows(track)) return;
-    ranks_.add(track, MenuNode::storedForm((*tracks_)[track]->getTitle()));
+  // Track after track, since that is how they and their titles stand in memory.
+  void rankTitles() {
+    const auto count = std::count(isWanted_.begin(), isWanted_.end(), true);
+    if (count == 0) return;
+    ranks_.reserve(static_cast<std::size_t>(count),
+                   static_cast<std::uint32_t>(isWanted_.size() - 1));
+    for (std::uint32_t track = 0; track < isWanted_.size(); ++track) {
+      if (!isWanted_[track]) continue;
+      ranks_.add(track, MenuNode::storedForm((*tracks_)[track]->getTitle()));
+    }
+    ranks_.rank();
   }
 
   // With the first bytes of each name at hand, few names have to be looked at.
@@ -94,57 +168,11 @@ class ChildSorter {
                    [](const Named& entry) { return entry.node; });
   }
 
-  void sortByRank(MenuNode& menu) {
-    ranked_.resize(menu.childCount());
-    for (std::size_t i = 0; i < ranked_.size(); ++i) {
-      const std::uint32_t track = menu.childAt(i).trackNumber();
-      ranked_[i] = {ranks_[track], track};
-    }
-    // Without equal names there is but one order, and it doesn't matter how it is found.
-    if (ranked_.size() >= kWorthDistributing && allDiffer()) {
-      distribute();
-    } else {
-      std::sort(ranked_.begin(), ranked_.end(),
-                [](const Ranked& a, const Ranked& b) { return a.rank < b.rank; });
-    }
-    for (std::size_t i = 0; i < ranked_.size(); ++i) {
-      menu.setChildAt(i, Child::ofTrack(ranked_[i].track));
-    }
-  }
-
-  bool allDiffer() {
-    isThere_.resize(ranks_.highest() + std::size_t{1});
-    std::size_t different = 0;
-    while (different < ranked_.size() && !isThere_[ranked_[different].rank]) {
-      isThere_[ranked_[different++].rank] = true;
-    }
-    for (std::size_t i = 0; i < different; ++i) isThere_[ranked_[i].rank] = false;
-    return different == ranked_.size();
-  }
-
-  // Radix sort, from the lowest digit up.
-  void distribute() {
-    constexpr unsigned kDigitBits = 11;
-    constexpr std::size_t kDigits = std::size_t{1} << kDigitBits;
-    scratch_.resize(ranked_.size());
-    for (unsigned shift = 0; shift < 32 && ranks_.highest() >> shift != 0; shift += kDigitBits) {
-      std::array<std::size_t, kDigits + 1> place{};
-      const auto digit = [&](const Ranked& r) { return (r.rank >> shift) & (kDigits - 1); };
-      for (const Ranked& r : ranked_) ++place[digit(r) + 1];
-      std::partial_sum(place.begin(), place.end(), place.begin());
-      for (const Ranked& r : ranked_) scratch_[place[digit(r)]++] = r;
-      ranked_.swap(scratch_);
-    }
-  }
-
-  static constexpr std::size_t kWorthDistributing = 4096;
-
   const TrackTable* tracks_;
-  NameRanks ranks_;  // of titles, by track
+  std::vector<bool> isWanted_;  // by track: the rank of its title is needed
+  NameRanks ranks_;             // of titles, by track
   std::vector<Menu> menus_;
-  Sequence ranked_;
-  Sequence scratch_;
-  std::vector<bool> isThere_;  // by rank; false between uses
+  std::size_t childCount_ = 0;  // of all of them
 };
 
 }  // namespace

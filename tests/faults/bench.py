@@ -31,7 +31,7 @@ MOST_CALLS = 5000  # a series of faults that gets here doesn't end
 
 @dataclass(frozen=True)
 class Fault:
-    call: str  # open, read, write, close, fstat, new or mmap
+    call: str  # open, read, write, close, fstat, new, mmap or thread
     effect: str  # error, half, one, most, signal or append
     value: int = 0  # the error's or signal's number
     onward: bool = False  # befalls every later call, too

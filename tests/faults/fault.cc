@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <csignal>
 #include <cstdlib>
 
@@ -54,9 +55,9 @@ Fault::Fault()
 }
 
 Effect Fault::next() {
-  const std::uint64_t call = ++counters_->calls;
+  const std::uint64_t call = std::atomic_ref(counters_->calls).fetch_add(1) + 1;
   if (nth_ == 0 || call < nth_ || (call > nth_ && !onward_)) return Effect::kNone;
-  ++counters_->faults;
+  ++std::atomic_ref(counters_->faults);
   if (effect_ == "error") return Effect::kError;
   if (effect_ == "signal") {
     std::raise(value_);

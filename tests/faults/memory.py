@@ -1,6 +1,7 @@
-"""Memory that runs out."""
+"""Memory that runs out, and threads that are not to be had."""
 
 import errno
+import os
 import signal
 import subprocess
 from collections.abc import Callable, Iterator
@@ -17,6 +18,7 @@ def jobs(bench: Bench) -> Iterator[Callable[[], None]]:
     small = Inputs(bench, "small", 12, 2, 3, 4)
     huge = Inputs(bench, "huge", 6000, 60, 250, 100)
     vast = Inputs(bench, "vast", 60000, 60, 1, 1)  # large enough to take memory in whole mappings
+    shared = Inputs(bench, "shared", 260000, 60, 1, 1)  # large enough for threads to share the work
     if bench.sanitized:
         bench.note("little address space: the sanitizers take more than any machine has")
     else:
@@ -24,6 +26,9 @@ def jobs(bench: Bench) -> Iterator[Callable[[], None]]:
             yield lambda layout=layout: little_memory(bench, huge.inventory(layout), False)
             yield lambda layout=layout: little_memory(bench, huge.menu(layout), True)
     for onward in (False, True):
+        yield lambda onward=onward: bench.series(
+            shared.inventory("2"), Fault("thread", "error", errno.EAGAIN, onward),
+            least=5 if (os.cpu_count() or 1) > 1 else 1)
         for build in small.both("2"):
             yield lambda build=build, onward=onward: doomed(
                 bench, build, onward, "/dev/full")

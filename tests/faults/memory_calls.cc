@@ -1,9 +1,11 @@
-// The ways to memory, with the fault in front of those taken since main() began. What a library
-// does while it is loaded doesn't count.
+// The ways to memory and to threads, with the fault in front of those taken since main() began.
+// What a library does while it is loaded doesn't count.
 
 #include <dlfcn.h>
+#include <pthread.h>
 #include <sys/mman.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstddef>
 #include <new>
@@ -24,27 +26,29 @@ extern "C" int startProgram(Main, int, char**, Main, Hook, Hook,
 
 namespace {
 
-bool isCounting = false;
+std::atomic<bool> isInMain = false;
+thread_local bool isUncounted = false;
 Main programsMain = nullptr;
 
 class Uncounted {
  public:
-  Uncounted() { isCounting = false; }
+  Uncounted() { isUncounted = true; }
   Uncounted(const Uncounted&) = delete;
   Uncounted& operator=(const Uncounted&) = delete;
-  ~Uncounted() { isCounting = before_; }
+  ~Uncounted() { isUncounted = before_; }
 
  private:
-  const bool before_ = isCounting;
+  const bool before_ = isUncounted;
 };
 
 int countedMain(int argc, char** argv, char** environment) {
-  isCounting = true;
+  isInMain = true;
   return programsMain(argc, argv, environment);
 }
 
 bool isRefused(const char* call) {
-  return isCounting && Fault::get().befalls(call) && Fault::get().next() == Effect::kError;
+  return isInMain && !isUncounted && Fault::get().befalls(call) &&
+         Fault::get().next() == Effect::kError;
 }
 
 // One of the operators may go through another, but counts once.
@@ -81,6 +85,14 @@ void* mmap(void* address, std::size_t length, int protection, int flags, int fil
     return MAP_FAILED;
   }
   return real(address, length, protection, flags, file, offset);
+}
+
+int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*start)(void*),
+                   void* argument) noexcept {
+  static const auto real =
+      realFunction<int(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*)>(
+          "pthread_create");
+  return isRefused("thread") ? EAGAIN : real(thread, attributes, start, argument);
 }
 
 }  // extern "C"

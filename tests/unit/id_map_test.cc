@@ -11,7 +11,7 @@ namespace {
 
 using Plain = std::map<std::uint32_t, int>;
 
-void expectSame(const IdMap<int>& map, const Plain& plain, std::uint32_t id) {
+void expectSame(const IdMap<int, -1>& map, const Plain& plain, std::uint32_t id) {
   const int* const found = map.find(id);
   const auto expected = plain.find(id);
   ASSERT_EQ(found != nullptr, expected != plain.end()) << id;
@@ -32,18 +32,17 @@ TEST(IdMap, DoesWhatAMapDoes) {
   for (std::uint32_t seed = 0; seed < 200; ++seed) {
     SCOPED_TRACE(seed);
     std::mt19937 random(seed);
-    IdMap<int> map;
+    IdMap<int, -1> map;
     Plain plain;
     const std::uint32_t kind = seed % 4;
     for (int step = 0; step < 400; ++step) {
       const std::uint32_t id = randomId(random, kind);
       const auto action = static_cast<std::uint32_t>(random() % 100);
       if (action < 55) {
-        const auto [value, isNew] = map.enter(id);
-        const auto [expected, isPlainNew] = plain.try_emplace(id, 0);
-        ASSERT_EQ(isNew, isPlainNew);
-        ASSERT_EQ(*value, expected->second);
-        *value = expected->second = step;
+        int& value = map.enter(id, step);
+        const auto [expected, isNew] = plain.try_emplace(id, step);
+        ASSERT_EQ(value, expected->second);
+        if (action % 2 == 0) value = expected->second = 1000 + step;
       } else if (action < 99) {
         map.erase(id);
         plain.erase(id);
@@ -59,11 +58,11 @@ TEST(IdMap, DoesWhatAMapDoes) {
 }
 
 TEST(IdMap, HoldsTheSmallestAndTheLargestId) {
-  IdMap<int> map;
+  IdMap<int, -1> map;
   EXPECT_EQ(map.find(0), nullptr);
   EXPECT_EQ(map.find(4294967295), nullptr);
-  *map.enter(0).first = 1;
-  *map.enter(4294967295).first = 2;
+  map.enter(0, 1);
+  map.enter(4294967295, 2);
   EXPECT_EQ(*map.find(0), 1);
   EXPECT_EQ(*map.find(4294967295), 2);
   map.erase(0);
@@ -72,14 +71,15 @@ TEST(IdMap, HoldsTheSmallestAndTheLargestId) {
 }
 
 TEST(IdMap, ErasingFromAnEmptyOneIsNothing) {
-  IdMap<int> map;
+  IdMap<int, -1> map;
   map.erase(3);
   EXPECT_EQ(map.find(3), nullptr);
 }
 
 TEST(IdMap, KeepsManyIds) {
-  IdMap<std::uint32_t> map;
-  for (std::uint32_t i = 0; i < 20000; ++i) *map.enter(i * 7919).first = i;
+  IdMap<std::uint32_t, 0xFFFFFFFF> map;
+  map.reserve(9000);  // as many as somebody expected
+  for (std::uint32_t i = 0; i < 20000; ++i) map.enter(i * 7919, i);
   for (std::uint32_t i = 0; i < 20000; i += 2) map.erase(i * 7919);
   for (std::uint32_t i = 0; i < 20000; ++i) {
     const std::uint32_t* const found = map.find(i * 7919);

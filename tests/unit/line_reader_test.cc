@@ -154,6 +154,24 @@ TEST(LineReader, GivesOnlyLinesThatAreAtHandInAGroup) {
   EXPECT_TRUE(reader.atEnd());
 }
 
+TEST(LineReader, GuessesTheLinesThatAreLeft) {
+  const TempDir dir;
+  std::string content;
+  for (int i = 0; i < 5000; ++i) content += std::string(99, 'x') + "\n";
+  writeFile(dir / "file", content);
+  LineReader reader((dir / "file").c_str());
+  EXPECT_EQ(reader.expectedLines(), 0U) << "nothing is known of a file that wasn't read yet";
+  for (int i = 0; i < 100; ++i) reader.next();
+  EXPECT_EQ(reader.expectedLines(), 4900U);
+  while (!reader.atEnd()) reader.next();
+  EXPECT_EQ(reader.expectedLines(), 0U);
+
+  writeFile(dir / "file", "\n\n" + std::string(100'000, 'x'));
+  LineReader shortLines((dir / "file").c_str());
+  shortLines.next();
+  EXPECT_EQ(shortLines.expectedLines(), 100'001U / 16) << "a track's line is longer";
+}
+
 // A pipe gives few bytes at a time.
 TEST(LineReader, ReadsAPipeToItsEnd) {
   const TempDir dir;

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "inventory/split_fields.h"
 #include "list_reading.h"
 #include "seeded_random.h"
 

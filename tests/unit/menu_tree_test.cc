@@ -83,5 +83,26 @@ TEST(MenuTree, DestructionFreesEverything) {
   EXPECT_EQ(test::liveAllocations(), before);
 }
 
+TEST(MenuTree, SubtreesApartArePartOfTheTree) {
+  MenuTree tree;
+  Track track;
+  track.setMediaId(5);
+  track.setTitle("title");
+  const TrackTable tracks = {nullptr, &track};
+  tree.setTrackTable(tracks);
+  test::addMenu(*tree.getRoot(), 1, "first");
+  MenuNode& apart = tree.appendApart();
+  EXPECT_EQ(test::describeNode(apart), "0 0 '' 0 0 0");
+  apart.setName("apart");
+  apart.appendLeaf(tracks, 1);
+  test::addMedia(apart, 6, "adopted");
+  EXPECT_EQ(tree.nodeCountHint(), 3U);
+  ASSERT_EQ(tree.getRoot()->childCount(), 2U);
+  EXPECT_EQ(tree.getRoot()->childrenBegin()[1], &apart);
+  EXPECT_EQ(apart.getTrackTable(), &tracks);
+  EXPECT_FALSE(apart.childAt(0).isNode());
+  EXPECT_EQ(test::describeNode(**apart.childrenBegin()), "2 5 'title' 0 0 0");
+}
+
 }  // namespace
 }  // namespace Orvane

@@ -47,13 +47,17 @@ TEST(NameRanks, CompareAsTheNamesDo) {
   }
 }
 
-TEST(NameRanks, FirstNameOfANumberCounts) {
-  NameRanks ranks;
-  ranks.add(1, "m");
-  ranks.add(5, "a");
-  ranks.add(5, "z");
-  ranks.rank();
-  EXPECT_LT(ranks[5], ranks[1]);
+TEST(NameRanks, NumbersMayComeInAnyOrderAndBeFarApart) {
+  for (const bool reserved : {false, true}) {
+    NameRanks ranks;
+    if (reserved) ranks.reserve(3, 70'000);
+    ranks.add(70'000, "m");
+    ranks.add(5, "a");
+    ranks.add(300, "z");
+    ranks.rank();
+    EXPECT_LT(ranks[5], ranks[70'000]);
+    EXPECT_LT(ranks[70'000], ranks[300]);
+  }
 }
 
 TEST(NameRanks, ZeroBytesAtTheEndTellNamesApart) {

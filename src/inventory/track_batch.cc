@@ -1,0 +1,52 @@
+#include "inventory/track_batch.h"
+
+#include <iostream>
+
+#include "errors/printable.h"
+#include "inventory/decimal_number.h"
+#include "inventory/split_fields.h"
+
+namespace Orvane {
+
+namespace {
+
+constexpr std::string_view kSeparator = "|";
+constexpr std::size_t kRequiredFields = 8;
+constexpr std::size_t kUsedFields = 9;
+
+}  // namespace
+
+// The lines stand together in the reader's block.
+void TrackBatch::copyLines() {
+  const char* const begin = lines_.front().data();
+  copy_.assign(begin, lines_.back().data() + lines_.back().size());
+  for (std::string_view& line : lines_) {
+    line =
+        std::string_view(copy_).substr(static_cast<std::size_t>(line.data() - begin), line.size());
+  }
+}
+
+void TrackBatch::read(LineReader& reader, const char* path, std::size_t mostLines, bool withCopy) {
+  texts_.clear();
+  ids_.clear();
+  lines_.resize(mostLines);
+  lines_.resize(reader.nextLines(lines_));
+  if (withCopy) copyLines();
+  std::size_t lineNumber = reader.lineNumber() - lines_.size();
+  for (const std::string_view line : lines_) {
+    ++lineNumber;
+    fields_.clear();
+    splitFields(line, fields_, kSeparator, kUsedFields);
+    if (fields_.size() >= kRequiredFields) {
+      const std::uint32_t rating = fields_.size() < kUsedFields ? 0 : parseId(fields_[8]);
+      texts_.push_back({fields_[1], fields_[3], fields_[5], fields_[7], rating});
+      ids_.push_back(
+          {parseId(fields_[0]), parseId(fields_[2]), parseId(fields_[4]), parseId(fields_[6])});
+    } else if (line.find(kSeparator) != std::string_view::npos) {
+      std::cerr << printable(path) << ":" << lineNumber << ": expected " << kRequiredFields
+                << " fields, found " << fields_.size() << ": line skipped" << std::endl;
+    }
+  }
+}
+
+}  // namespace Orvane

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <exception>
+#include <semaphore>
+#include <system_error>
+#include <thread>
+
+namespace Orvane {
+
+// Calls `make(item)` again and again, as long as it returns true, and `use(item)` with each item so
+// made, in order. Where the system has a thread to spare, items are made in one of their own, while
+// the one before is used; `make` and `use` must then not look at what the other changes.
+//
+// What `make` throws is thrown when the items before have been used, what `use` throws at once. In
+// either case no call is under way any more.
+template <typename Item, typename Make, typename Use>
+void forEachMadeAhead(Make make, Use use) {
+  struct Place {
+    Item item;
+    bool isLast = false;  // there is no item in here, nor after it
+  };
+  std::array<Place, 2> places;
+  std::counting_semaphore<2> made(0);
+  std::counting_semaphore<2> free(2);
+  std::atomic<bool> isGivenUp = false;
+  std::exception_ptr failure;
+
+  const auto makeAll = [&] {
+    for (std::size_t i = 0;; i ^= 1) {
+      free.acquire();
+      if (isGivenUp) return;
+      try {
+        places[i].isLast = !make(places[i].item);
+      } catch (...) {
+        failure = std::current_exception();
+        places[i].isLast = true;
+      }
+      const bool isLast = places[i].isLast;  // the place may be gone once it is handed over
+      made.release();
+      if (isLast) return;
+    }
+  };
+
+  std::thread maker;
+  try {
+    maker = std::thread(makeAll);
+  } catch (const std::system_error&) {
+    while (make(places[0].item)) use(places[0].item);
+    return;
+  }
+  struct Joiner {
+    std::thread& maker;
+    std::atomic<bool>& isGivenUp;
+    std::counting_semaphore<2>& free;
+    ~Joiner() {
+      isGivenUp = true;
+      free.release();
+      maker.join();
+    }
+  };
+  {
+    const Joiner joiner{maker, isGivenUp, free};
+    for (std::size_t i = 0;; i ^= 1) {
+      made.acquire();
+      if (places[i].isLast) break;
+      use(places[i].item);
+      free.release();
+    }
+  }
+  if (failure) std::rethrow_exception(failure);
+}
+
+}  // namespace Orvane

@@ -1,0 +1,47 @@
+#include "tree/parallel.h"
+
+#include <algorithm>
+#include <atomic>
+#include <exception>
+#include <mutex>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+namespace Orvane {
+
+std::size_t workersFor(std::size_t steps) {
+  constexpr std::size_t kStepsWorthAThread = 200'000;
+  constexpr std::size_t kMostWorkers = 8;
+  if (steps < kStepsWorthAThread) return 1;
+  return std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1, kMostWorkers);
+}
+
+void forEachInParallel(std::size_t count, std::size_t workers,
+                       const std::function<void(std::size_t i, std::size_t worker)>& work) {
+  std::atomic<std::size_t> next = 0;
+  std::exception_ptr failure;
+  std::mutex failureMutex;
+  const auto takePart = [&](std::size_t worker) {
+    try {
+      for (std::size_t i = next++; i < count; i = next++) work(i, worker);
+    } catch (...) {
+      const std::lock_guard lock(failureMutex);
+      if (!failure) failure = std::current_exception();
+      next = count;
+    }
+  };
+
+  std::vector<std::thread> threads;
+  threads.reserve(workers);
+  try {
+    for (std::size_t worker = 1; worker < workers; ++worker) threads.emplace_back(takePart, worker);
+  } catch (const std::system_error&) {
+    // Then there are fewer.
+  }
+  takePart(0);
+  for (std::thread& thread : threads) thread.join();
+  if (failure) std::rethrow_exception(failure);
+}
+
+}  // namespace Orvane

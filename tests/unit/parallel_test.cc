@@ -1,0 +1,70 @@
+#include "tree/parallel.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <cstddef>
+#include <mutex>
+#include <stdexcept>
+#include <vector>
+
+namespace Orvane::test {
+namespace {
+
+TEST(Parallel, DoesEachPartOnce) {
+  for (const std::size_t workers : {1U, 2U, 5U}) {
+    for (const std::size_t count : {0U, 1U, 2U, 1000U}) {
+      std::vector<std::atomic<int>> done(count);
+      forEachInParallel(count, workers, [&](std::size_t i, std::size_t worker) {
+        EXPECT_LT(worker, workers);
+        ++done[i];
+      });
+      EXPECT_TRUE(std::all_of(done.begin(), done.end(), [](int times) { return times == 1; }))
+          << workers << ' ' << count;
+    }
+  }
+}
+
+// Each part waits for the other one to be under way.
+TEST(Parallel, DoesPartsSideBySideAsDifferentWorkers) {
+  std::mutex mutex;
+  std::condition_variable changed;
+  std::vector<std::size_t> underWay;
+  forEachInParallel(2, 2, [&](std::size_t, std::size_t worker) {
+    std::unique_lock lock(mutex);
+    underWay.push_back(worker);
+    changed.notify_all();
+    changed.wait(lock, [&] { return underWay.size() == 2; });
+  });
+  EXPECT_NE(underWay[0], underWay[1]);
+}
+
+TEST(Parallel, OneWorkerGoesInOrder) {
+  std::vector<std::size_t> order;
+  forEachInParallel(3, 1, [&](std::size_t i, std::size_t) { order.push_back(i); });
+  EXPECT_EQ(order, (std::vector<std::size_t>{0, 1, 2}));
+}
+
+TEST(Parallel, ThrowsWhatAPartThrows) {
+  for (const std::size_t workers : {1U, 3U}) {
+    std::atomic<int> begun = 0;
+    const auto work = [&](std::size_t i, std::size_t) {
+      ++begun;
+      if (i == 5) throw std::runtime_error("on purpose");
+    };
+    EXPECT_THROW(forEachInParallel(100'000, workers, work), std::runtime_error);
+    EXPECT_LT(begun, 100'000) << "the rest need not be done";
+  }
+}
+
+TEST(Parallel, LittleIsForOneWorker) {
+  EXPECT_EQ(workersFor(0), 1U);
+  EXPECT_EQ(workersFor(10'000), 1U);
+  EXPECT_GE(workersFor(100'000'000), 1U);
+  EXPECT_LE(workersFor(100'000'000), 8U);
+}
+
+}  // namespace
+}  // namespace Orvane::test
