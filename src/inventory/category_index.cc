@@ -80,8 +80,8 @@ std::string_view CategoryIndex::nameOf(std::uint32_t id) const {
   return position == kUnknown ? std::string_view() : names_[position].text();
 }
 
-std::vector<std::uint32_t> CategoryIndex::tracksInOrder() const {
-  std::vector<std::uint32_t> tracks;
+LargeVector<std::uint32_t> CategoryIndex::tracksInOrder() const {
+  LargeVector<std::uint32_t> tracks;
   if (placed_) {
     tracks.reserve(placed_->size());
     for (const auto& [name, track] : *placed_) tracks.push_back(track);
@@ -93,7 +93,7 @@ std::vector<std::uint32_t> CategoryIndex::tracksInOrder() const {
     std::uint64_t first;  // what the names' order mostly shows in
     std::uint32_t name;
   };
-  std::vector<Key, LargeAllocator<Key>> byName;
+  LargeVector<Key> byName;
   byName.reserve(names_.size());
   for (const Name& name : names_) {
     const bool byNumber = order_ == Order::kByNumber;
@@ -104,13 +104,13 @@ std::vector<std::uint32_t> CategoryIndex::tracksInOrder() const {
     return a.first != b.first ? a.first < b.first : orders(a.name, b.name);
   };
   std::sort(byName.begin(), byName.end(), comesBefore);
-  std::vector<std::uint32_t> rank(names_.size());
+  LargeVector<std::uint32_t> rank(names_.size());
   std::uint32_t ranks = 0;
   for (std::size_t i = 0; i < byName.size(); ++i) {
     if (i > 0 && comesBefore(byName[i - 1], byName[i])) ++ranks;
     rank[byName[i].name] = ranks;
   }
-  std::vector<std::size_t> place(names_.size() + 1);
+  LargeVector<std::size_t> place(names_.size() + 1);
   for (const Entry& entry : entries_) ++place[rank[entry.name] + 1];
   std::partial_sum(place.begin(), place.end(), place.begin());
   tracks.resize(entries_.size());

@@ -50,7 +50,7 @@ class CategoryIndex {
   std::string_view nameOf(std::uint32_t id) const;
 
   // The track numbers of all entries, in order.
-  std::vector<std::uint32_t> tracksInOrder() const;
+  LargeVector<std::uint32_t> tracksInOrder() const;
 
   // The track numbers of the id's entries, in order.
   std::vector<std::uint32_t> tracksOf(std::uint32_t id) const;
@@ -94,7 +94,7 @@ class CategoryIndex {
   void placeEntries();
 
   Order order_;
-  std::vector<Name, LargeAllocator<Name>> names_;
+  LargeVector<Name> names_;
   IdMap<std::uint32_t, kUnknown> nameById_;  // id to position in names_
   // What positionOf() found last: an id is asked for its name, then given an entry.
   mutable std::uint32_t lastId_ = 0;
@@ -102,7 +102,7 @@ class CategoryIndex {
   std::unique_ptr<Arena> foldedNames_ = std::make_unique<Arena>();
 
   // Either all entries as they came, or, once that doesn't determine their order, all in place.
-  std::vector<Entry, LargeAllocator<Entry>> entries_;
+  LargeVector<Entry> entries_;
   std::unique_ptr<Placed> placed_;
 };
 

@@ -91,14 +91,14 @@ class IdMap {
   }
 
   void resize(std::size_t size) {
-    std::vector<Slot, LargeAllocator<Slot>> old(size);
+    LargeVector<Slot> old(size);
     old.swap(slots_);
     for (const Slot& slot : old) {
       if (slot.value != kNone) slots_[place(slot.id)] = slot;
     }
   }
 
-  std::vector<Slot, LargeAllocator<Slot>> slots_;  // a power of two of them
+  LargeVector<Slot> slots_;  // a power of two of them
   std::size_t used_ = 0;
 };
 

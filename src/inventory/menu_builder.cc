@@ -60,7 +60,7 @@ MenuNode& appendAlbum(MenuNode& parent, const Track& track) {
 template <typename Use>
 void forEachTrack(const TrackIndex& index, const CategoryIndex& category, Use use) {
   const TrackTable& tracks = index.getTracksByNumber();
-  const std::vector<TrackIndex::Number> numbers = category.tracksInOrder();
+  const LargeVector<TrackIndex::Number> numbers = category.tracksInOrder();
   forEachPrefetched(
       numbers.size(), [&](std::size_t i) { use(*tracks[numbers[i]], numbers[i]); },
       [&](std::size_t i) { prefetch(&tracks[numbers[i]]); },

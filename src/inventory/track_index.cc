@@ -104,7 +104,7 @@ void TrackIndex::clear() {
 }
 
 std::vector<const Track*> TrackIndex::tracksInOrder(const CategoryIndex& category) const {
-  const std::vector<Number> numbers = category.tracksInOrder();
+  const LargeVector<Number> numbers = category.tracksInOrder();
   std::vector<const Track*> tracks(numbers.size());
   std::transform(numbers.begin(), numbers.end(), tracks.begin(),
                  [this](Number number) { return tracksByNumber_[number]; });

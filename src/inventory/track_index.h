@@ -70,7 +70,7 @@ class TrackIndex {
 
   // In registration order. A removal moves the later tracks up but doesn't shorten the list: its
   // last place keeps what was there. That is deliberate; what reads the list relies on its length.
-  const std::vector<const Track*>& getTrackList() const { return trackList_; }
+  const LargeVector<const Track*>& getTrackList() const { return trackList_; }
 
   CategoryIndex& getArtists() { return artists_; }
   CategoryIndex& getAlbums() { return albums_; }
@@ -87,7 +87,7 @@ class TrackIndex {
   static constexpr Number kNoTrack = 0;
   static constexpr Number kMaxToldNumber = 0x3FFFFFFF;  // what a track has room for
 
-  std::vector<const Track*> trackList_;
+  LargeVector<const Track*> trackList_;
   TrackTable tracksByNumber_ = {nullptr};
   IdMap<Number, 0xFFFFFFFF> tracksById_;
   CategoryIndex genres_{CategoryIndex::Order::kByName};

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "output/inventory_format.h"
+#include "tree/huge_pages.h"
 #include "tree/menu_node.h"
 #include "tree/prefetch.h"
 
@@ -46,7 +47,7 @@ std::uint32_t layoutFamilies(const MenuNode& node, Table& table) {
     typename Table::Link link;
   };
   std::vector<Family> unfinished;
-  std::vector<Menu> toVisit;
+  LargeVector<Menu> toVisit;
 
   const auto appendFamily = [&](const MenuNode& parent) {
     const std::uint32_t base = table.size();

@@ -62,11 +62,8 @@ class LinkedTable {
     Record record;
   };
 
-  template <typename T>
-  using Sequence = std::vector<T, LargeAllocator<T>>;
-
-  Sequence<Leaf> leaves_;    // of all records
-  Sequence<Linked> linked_;  // by position
+  LargeVector<Leaf> leaves_;    // of all records
+  LargeVector<Linked> linked_;  // by position
 };
 
 }  // namespace Orvane

@@ -13,7 +13,7 @@ namespace Orvane {
 
 // The data table, in record order: for each record the child that it is filled from. Not owned; the
 // records themselves, 72 bytes each, come into being only as they are written.
-using DataTable = std::vector<Child, LargeAllocator<Child>>;
+using DataTable = LargeVector<Child>;
 
 // Data records by what they are shared by. The root's record is never entered, so nothing shares
 // it.
@@ -24,7 +24,7 @@ struct DataRecordIndex {
   };
 
   PositionIndex byNameAndId;
-  std::vector<OfTrack, LargeAllocator<OfTrack>> byTrack;  // by number
+  LargeVector<OfTrack> byTrack;  // by number
 };
 
 // Lays out the descendants of `node` behind what the tables hold and returns the tree index of its

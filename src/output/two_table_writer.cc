@@ -57,7 +57,8 @@ bool writeTwoTable(const MenuTree& tree, Buffer& buffer) {
   DataTable dataTable;
   DataRecordIndex idMap;
   treeTable.reserve(tree.nodeCountHint());
-  dataTable.reserve(tree.nodeCountHint());
+  // Hardly more than the tracks have records of their own: the menus.
+  dataTable.reserve(tree.getTrackTable() ? tree.getTrackTable()->size() : tree.nodeCountHint());
 
   const MenuNode& root = *tree.getRoot();
   dataTable.push_back(tree.root());

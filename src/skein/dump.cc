@@ -134,7 +134,11 @@ class Dump {
     }
     if (options_.record != 0) {
       const std::string start = "record " + std::to_string(options_.record);
-      existing = existing.empty() ? start : existing + " below " + start;
+      if (existing.empty()) {
+        existing = start;
+      } else {
+        existing.append(" below ").append(start);
+      }
     } else if (existing.empty()) {
       existing = "/";
     }

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <new>
+#include <vector>
 
 namespace Orvane {
 
@@ -36,5 +37,8 @@ struct LargeAllocator {
 
   friend bool operator==(const LargeAllocator& /*a*/, const LargeAllocator& /*b*/) { return true; }
 };
+
+template <typename T>
+using LargeVector = std::vector<T, LargeAllocator<T>>;
 
 }  // namespace Orvane

@@ -53,7 +53,7 @@ std::vector<std::size_t> NameRanks::partByFirstByte() {
 }
 
 void NameRanks::rank() {
-  std::vector<std::uint8_t> startsRank(keys_.size());
+  LargeVector<std::uint8_t> startsRank(keys_.size());
   const std::vector<std::size_t> begins = partByFirstByte();
   forEachInParallel(begins.size() - 1, workersFor(keys_.size()), [&](std::size_t i, std::size_t) {
     order(begins[i], begins[i + 1], startsRank);
@@ -65,7 +65,7 @@ void NameRanks::rank() {
 }
 
 // Orders some of the keys by their names, and marks the first one of each name.
-void NameRanks::order(std::size_t begin, std::size_t end, std::vector<std::uint8_t>& startsRank) {
+void NameRanks::order(std::size_t begin, std::size_t end, LargeVector<std::uint8_t>& startsRank) {
   // Keys that agree in all bytes before `offset` and are still to be told apart.
   struct Part {
     std::size_t begin;

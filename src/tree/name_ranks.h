@@ -38,14 +38,11 @@ class NameRanks {
   };
 
   std::vector<std::size_t> partByFirstByte();
-  void order(std::size_t begin, std::size_t end, std::vector<std::uint8_t>& startsRank);
+  void order(std::size_t begin, std::size_t end, LargeVector<std::uint8_t>& startsRank);
   static void prefetchByte(const Key& key, std::size_t offset);
 
-  template <typename T>
-  using Sequence = std::vector<T, LargeAllocator<T>>;
-
-  Sequence<Key> keys_;
-  Sequence<std::uint32_t> ranks_;  // by number
+  LargeVector<Key> keys_;
+  LargeVector<std::uint32_t> ranks_;  // by number
   std::uint32_t highest_ = 0;
 };
 

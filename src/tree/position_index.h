@@ -58,7 +58,7 @@ class PositionIndex {
   };
 
   void resize(std::size_t size) {
-    std::vector<Slot, LargeAllocator<Slot>> old(size);
+    LargeVector<Slot> old(size);
     old.swap(slots_);
     for (const Slot& slot : old) {
       if (slot.position == kFree) continue;
@@ -68,8 +68,7 @@ class PositionIndex {
     }
   }
 
-  std::vector<Slot, LargeAllocator<Slot>>
-      slots_;  // a power of two of them, at most three quarters of them used
+  LargeVector<Slot> slots_;  // a power of two of them, at most three quarters of them used
   std::size_t used_ = 0;
 };
 

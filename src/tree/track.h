@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <ostream>
 #include <string_view>
-#include <vector>
 
+#include "tree/huge_pages.h"
 #include "tree/prefetch.h"
 
 namespace Orvane {
@@ -88,7 +88,7 @@ inline void prefetchTrack(const Track* track) {
 }
 
 // Tracks by their numbers; there is none with number 0.
-using TrackTable = std::vector<const Track*>;
+using TrackTable = LargeVector<const Track*>;
 
 // Title, " | ", artist's name, " | ", album's name.
 std::ostream& operator<<(std::ostream& out, const Track& track);

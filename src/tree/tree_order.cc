@@ -54,8 +54,6 @@ class RankSorter {
     std::uint32_t rank;
     std::uint32_t track;
   };
-  using Sequence = std::vector<Ranked, LargeAllocator<Ranked>>;
-
   bool allDiffer() {
     isThere_.resize(ranks_->highest() + std::size_t{1});
     std::size_t different = 0;
@@ -84,8 +82,8 @@ class RankSorter {
   static constexpr std::size_t kWorthDistributing = 4096;
 
   const NameRanks* ranks_;
-  Sequence ranked_;
-  Sequence scratch_;
+  LargeVector<Ranked> ranked_;
+  LargeVector<Ranked> scratch_;
   std::vector<bool> isThere_;  // by rank; false between uses
 };
 
@@ -152,7 +150,7 @@ class ChildSorter {
       MenuNode* node;
     };
     const MenuNode::Position children = menu.childrenBegin();
-    std::vector<Named, LargeAllocator<Named>> named;
+    LargeVector<Named> named;
     named.reserve(menu.childCount());
     forEachPrefetched(
         menu.childCount(),
@@ -171,7 +169,7 @@ class ChildSorter {
   const TrackTable* tracks_;
   std::vector<bool> isWanted_;  // by track: the rank of its title is needed
   NameRanks ranks_;             // of titles, by track
-  std::vector<Menu> menus_;
+  LargeVector<Menu> menus_;
   std::size_t childCount_ = 0;  // of all of them
 };
 
@@ -180,7 +178,7 @@ class ChildSorter {
 void MenuTree::sortTree(MenuNode* node) {
   if (node == nullptr) return;
   ChildSorter sorter(node->getTrackTable());
-  std::vector<MenuNode*> menus = {node};
+  LargeVector<MenuNode*> menus = {node};
   while (!menus.empty()) {
     MenuNode& menu = *menus.back();
     menus.pop_back();

@@ -98,8 +98,9 @@ def test_commands() -> list[tuple[list[str], str]]:
         cases: list[str] = []
         if any(word.startswith("--gtest_filter=") for word in command):
             command = command[:1]
-        elif command[-1].endswith(".txt") and command[1].endswith("golden/run.py"):
-            command, cases = [*command[:-1], "-j", "1"], command[-1:]
+        elif len(command) > 1 and command[1].endswith("golden/run.py"):
+            cases = [word for word in command if word.endswith(".txt")]
+            command = [word for word in command if word not in cases]
         known = commands.setdefault(tuple(command), (list(command), directory))
         known[0].extend(cases)
     if not commands:
