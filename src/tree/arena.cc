@@ -8,7 +8,7 @@ namespace Orvane {
 
 namespace {
 
-constexpr std::size_t kLargestBlock = std::size_t{1} << 25;
+constexpr std::size_t kLargestBlock = std::size_t{1} << 23;
 
 }  // namespace
 

@@ -39,7 +39,7 @@ std::byte* map(std::size_t size) {
 // another's by now, it does no harm to.
 void makePagesAhead(std::byte* memory, std::size_t size) {
 #ifdef MADV_POPULATE_WRITE
-  constexpr std::size_t kWorthAThread = std::size_t{1} << 24;
+  constexpr std::size_t kWorthAThread = std::size_t{1} << 23;
   if (size < kWorthAThread || std::thread::hardware_concurrency() < 2) return;
   const auto makePages = [=] {
     for (std::size_t at = 0; at < size; at += kHugePageSize) {
