@@ -17,11 +17,6 @@ function(skeinmake_configure target)
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
     -Wcast-qual -Wnon-virtual-dtor -Woverloaded-virtual -Wundef
     $<$<BOOL:${SKEINMAKE_WERROR}>:-Werror>)
-  # Libraries are linked into tests, too, which aren't optimised as a whole.
-  if(CMAKE_INTERPROCEDURAL_OPTIMIZATION AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    target_compile_options(${target} PRIVATE
-      $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,STATIC_LIBRARY>:-ffat-lto-objects>)
-  endif()
   target_compile_options(${target} PRIVATE "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=")
   if(SKEINMAKE_SANITIZE)
     set(flags -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -6,7 +6,6 @@ add_library(skein_test_support STATIC
 target_include_directories(skein_test_support PUBLIC unit "${PROJECT_SOURCE_DIR}/fuzz")
 target_link_libraries(skein_test_support PUBLIC skein_lib)
 skeinmake_configure(skein_test_support)
-skeinmake_link_plainly(skein_test_support)
 
 set(skein_test_sources
   unit/reader_inventory_check_test.cc
@@ -30,7 +29,6 @@ target_link_libraries(skein_unit_tests PRIVATE
   skein_test_support skeinmake_lib nlohmann_json::nlohmann_json GTest::gmock GTest::gtest_main)
 target_precompile_headers(skein_unit_tests PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
 skeinmake_configure(skein_unit_tests)
-skeinmake_link_plainly(skein_unit_tests)
 target_compile_definitions(skein_unit_tests PRIVATE
   SKEIN_CORPUS="${PROJECT_SOURCE_DIR}/fuzz/seeds/inventory_view")
 gtest_discover_tests(skein_unit_tests DISCOVERY_MODE PRE_TEST)

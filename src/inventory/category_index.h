@@ -46,7 +46,8 @@ class CategoryIndex {
   }
   void expectText(std::uint32_t id) const { prefetch(nameOf(id).data()); }
 
-  // The name of the id, empty if it never had an entry.
+  // The name of the id, empty if it never had an entry. Not for several threads: it remembers the
+  // id.
   std::string_view nameOf(std::uint32_t id) const;
 
   // The track numbers of all entries, in order.

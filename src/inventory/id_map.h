@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <vector>
 
 #include "tree/huge_pages.h"
+#include "tree/keyed_hash.h"
 #include "tree/prefetch.h"
 
 namespace Orvane {
@@ -77,10 +77,7 @@ class IdMap {
   std::size_t next(std::size_t at) const { return (at + 1) & mask(); }
 
   std::size_t homeOf(std::uint32_t id) const {
-    // Ids come in runs and in steps; multiplying and folding spreads both over the table.
-    std::uint64_t mixed = (id ^ (std::uint64_t{id} << 32)) * 0x9E3779B97F4A7C15;
-    mixed ^= mixed >> 29;
-    return static_cast<std::size_t>((mixed * 0xBF58476D1CE4E5B9) >> 32) & mask();
+    return static_cast<std::size_t>(hashOfId(id)) & mask();
   }
 
   // Where `id` is, or would go.

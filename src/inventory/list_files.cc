@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <thread>
 
 #include "errors/printable.h"
 #include "inventory/decimal_number.h"
@@ -47,14 +48,15 @@ void addTracks(TrackManager& manager, const TrackBatch& batch, LaterTracks& late
 }
 
 void readTracks(TrackManager& manager, const char* path, LaterTracks& laterTracks) {
-  constexpr std::size_t kFirstBatches = 64;
+  constexpr std::size_t kFirstLines = 8192;
   constexpr std::size_t kFirstBatchLines = 128;
   constexpr std::size_t kBatchLines = 2048;
 
   LineReader reader(path);
   if (reportUnopened(reader, path)) return;
+  const bool isAlone = std::thread::hardware_concurrency() < 2;
   TrackBatch first;
-  for (std::size_t i = 0; i < kFirstBatches && !reader.atEnd(); ++i) {
+  while (!reader.atEnd() && (isAlone || reader.lineNumber() < kFirstLines)) {
     first.read(reader, path, kFirstBatchLines, false);
     addTracks(manager, first, laterTracks);
   }

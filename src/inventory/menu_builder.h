@@ -10,7 +10,7 @@ namespace Orvane {
 // much to do. Empty categories are made too; "Favorites" always has its three star menus.
 //
 // Nodes refer to the manager's tracks and texts: the manager must outlive the tree, and must not be
-// cleared while the tree is in use. Throws only for lack of memory.
+// cleared, nor its tracks changed, while the tree is in use. Throws only for lack of memory.
 void buildMenuFromInventory(const TrackManager& manager, MenuTree& tree);
 
 // The parts of buildMenuFromInventory, each filling its category's menu, which must be empty. A

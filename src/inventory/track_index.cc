@@ -34,7 +34,6 @@ void TrackIndex::expect(std::size_t count) {
   try {
     trackList_.reserve(trackList_.size() + count);
     tracksByNumber_.reserve(tracksByNumber_.size() + count);
-    tracksById_.reserve(tracksByNumber_.size() + count);
     for (CategoryIndex* category : {&genres_, &artists_, &albums_}) category->expectEntries(count);
   } catch (const std::bad_alloc&) {
     // What really comes may well fit.

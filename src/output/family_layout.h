@@ -23,7 +23,7 @@ namespace Orvane {
 //   Link append(Child child);                      a record for `child`, linked to kNoChildren
 //   void setFirstChild(Link, std::uint32_t index); links that record to its children
 //   bool isDeferred(const MenuNode& child) const;  see below
-//   void expect(Child child, int step) const;      asks for what append(child), soon to come, looks
+//   void expect(Child child, int step);            asks for what append(child), soon to come, looks
 //                                                  at, in three steps
 //
 // The descendants of a deferred child come after those of all its siblings. Among several deferred

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <vector>
+#include <stdexcept>
 
 #include "tree/huge_pages.h"
 
@@ -27,14 +27,16 @@ class LinkedTable {
 
   // Appends the record of a media leaf without children.
   Link appendLeaf(Leaf leaf) {
+    if (leaves_.size() >= kMostRecords) throw std::length_error("too many records for a file");
     leaves_.push_back(leaf);
     return kNeverLinked;
   }
 
   // Appends a record that is yet to be linked.
   Link append(const Record& record) {
-    linked_.push_back({size(), record});
-    leaves_.push_back(record.leaf());
+    const std::uint32_t position = size();
+    appendLeaf(record.leaf());
+    linked_.push_back({position, record});
     return static_cast<Link>(linked_.size() - 1);
   }
 
@@ -57,6 +59,8 @@ class LinkedTable {
   }
 
  private:
+  static constexpr std::size_t kMostRecords = 0xFFFFFFFF;  // whose indexes aren't kNoChildren
+
   struct Linked {
     std::uint32_t position;  // of the record in the table
     Record record;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
 
 #include "output/tree_record.h"
 #include "tree/child.h"

@@ -133,14 +133,11 @@ class Dump {
       appendEscaped(existing, options_.path[i], "/");
     }
     if (options_.record != 0) {
-      const std::string start = "record " + std::to_string(options_.record);
-      if (existing.empty()) {
-        existing = start;
-      } else {
-        existing.append(" below ").append(start);
-      }
+      if (!existing.empty()) existing += " below ";
+      existing += "record ";
+      existing += std::to_string(options_.record);
     } else if (existing.empty()) {
-      existing = "/";
+      existing += '/';
     }
     return "no \"" + escaped(options_.path[found_], "/") + "\" in " + existing;
   }

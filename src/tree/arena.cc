@@ -29,6 +29,7 @@ void* Arena::allocateInNewBlock(std::size_t size) {
     return blocks_.back().memory;
   }
   addBlock(nextSize_);
+  makePagesAhead(blocks_.back().memory, nextSize_);
   auto* const memory = static_cast<std::byte*>(blocks_.back().memory);
   free_ = memory + size;
   freeSize_ = nextSize_ - size;

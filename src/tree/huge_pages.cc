@@ -34,26 +34,6 @@ std::byte* map(std::size_t size) {
   return static_cast<std::byte*>(memory);
 }
 
-// Has pages made in the background that will be touched soon: where many are needed, making them
-// takes up to a third of the time. What another thread finds not to be there any more, or to be
-// another's by now, it does no harm to.
-void makePagesAhead(std::byte* memory, std::size_t size) {
-#ifdef MADV_POPULATE_WRITE
-  constexpr std::size_t kWorthAThread = std::size_t{1} << 23;
-  if (size < kWorthAThread || std::thread::hardware_concurrency() < 2) return;
-  const auto makePages = [=] {
-    for (std::size_t at = 0; at < size; at += kHugePageSize) {
-      if (::madvise(memory + at, kHugePageSize, MADV_POPULATE_WRITE) != 0) return;
-    }
-  };
-  try {
-    std::thread(makePages).detach();
-  } catch (const std::exception&) {
-    // Then they are made when they are touched.
-  }
-#endif
-}
-
 void unmap(std::byte* memory, std::size_t size) noexcept {
   if (size > 0) ::munmap(memory, size);
 }
@@ -76,8 +56,24 @@ void* allocateLarge(std::size_t size) {
   unmap(begin + before + wanted, mapped - before - wanted);
   // Advice only: where it isn't taken, ordinary pages do.
   static_cast<void>(::madvise(begin + before, wanted, MADV_HUGEPAGE));
-  makePagesAhead(begin + before, wanted);
   return begin + before;
+}
+
+void makePagesAhead(void* memory, std::size_t size) {
+#ifdef MADV_POPULATE_WRITE
+  constexpr std::size_t kWorthAThread = std::size_t{1} << 23;
+  if (size < kWorthAThread || std::thread::hardware_concurrency() < 2) return;
+  const auto makePages = [begin = static_cast<std::byte*>(memory), size] {
+    for (std::size_t at = 0; at < size; at += kHugePageSize) {
+      if (::madvise(begin + at, kHugePageSize, MADV_POPULATE_WRITE) != 0) return;
+    }
+  };
+  try {
+    std::thread(makePages).detach();
+  } catch (const std::exception&) {
+    // Then they are made when they are touched.
+  }
+#endif
 }
 
 void keepFreedMemory() noexcept {

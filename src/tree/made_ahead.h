@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <exception>
 #include <semaphore>
-#include <system_error>
 #include <thread>
 
 namespace Orvane {
@@ -15,7 +14,7 @@ namespace Orvane {
 // the one before is used; `make` and `use` must then not look at what the other changes.
 //
 // What `make` throws is thrown when the items before have been used, what `use` throws at once. In
-// either case no call is under way any more.
+// either case no call is under way any more, which takes as long as the last one does.
 template <typename Item, typename Make, typename Use>
 void forEachMadeAhead(Make make, Use use) {
   struct Place {
@@ -47,7 +46,7 @@ void forEachMadeAhead(Make make, Use use) {
   std::thread maker;
   try {
     maker = std::thread(makeAll);
-  } catch (const std::system_error&) {
+  } catch (const std::exception&) {  // for lack of threads or of memory
     while (make(places[0].item)) use(places[0].item);
     return;
   }

@@ -226,7 +226,7 @@ void MenuNode::makeNodesOfNumbers() const {
   for (std::size_t i = 0; i < branch_->count; ++i) {
     const Child child = childAt(i);
     if (child.isNode()) continue;
-    MenuNode* const leaf = arena.make();
+    MenuNode* const leaf = arena.makeOfNumber();
     leaf->becomeLeafOf(*(*arena.getTrackTable())[child.trackNumber()]);
     branch_->children[i] = leaf;
   }

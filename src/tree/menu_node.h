@@ -161,8 +161,9 @@ class MenuNode {
   Child childAt(std::size_t index) const { return Child(branch_->children[index]); }
   void setChildAt(std::size_t index, Child child) { branch_->children[index] = child.place(); }
 
-  // Positions are those of nodes: what are numbers among the children becomes nodes first. So it
-  // does in all that follows.
+  // Positions are those of nodes: what are numbers among the children becomes nodes first, for
+  // which memory may run out, and which two threads must not do at once. So it does in all that
+  // follows.
   Position childrenBegin() { return nodesOfChildren(); }
   Position childrenEnd() { return nodesOfChildren() + branch_->count; }
   ConstPosition childrenBegin() const { return nodesOfChildren(); }

@@ -58,6 +58,7 @@ void NameRanks::rank() {
   forEachInParallel(begins.size() - 1, workersFor(keys_.size()), [&](std::size_t i, std::size_t) {
     order(begins[i], begins[i + 1], startsRank);
   });
+  highest_ = 0;
   for (std::size_t i = 0; i < keys_.size(); ++i) {
     if (startsRank[i]) ++highest_;
     ranks_[keys_[i].number] = highest_;

@@ -20,8 +20,13 @@ class NodeArena {
   // A fresh node. It, its name and its children belong to the arena.
   MenuNode* make();
 
-  // How many nodes it has made, and how many leaves are numbers instead (or were, before somebody
-  // asked for nodes).
+  // A node for a leaf that was a number, and has been counted.
+  MenuNode* makeOfNumber() {
+    --nodeCount_;
+    return make();
+  }
+
+  // How many nodes it has made, and how many leaves are numbers instead.
   std::size_t nodeCount() const { return nodeCount_; }
   void countLeaf() { ++nodeCount_; }
 

@@ -4,7 +4,6 @@
 #include <atomic>
 #include <exception>
 #include <mutex>
-#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -32,12 +31,13 @@ void forEachInParallel(std::size_t count, std::size_t workers,
     }
   };
 
+  workers = std::min(workers, count);
   std::vector<std::thread> threads;
   threads.reserve(workers);
   try {
     for (std::size_t worker = 1; worker < workers; ++worker) threads.emplace_back(takePart, worker);
-  } catch (const std::system_error&) {
-    // Then there are fewer.
+  } catch (const std::exception&) {
+    // For lack of threads or of memory: then there are fewer.
   }
   takePart(0);
   for (std::thread& thread : threads) thread.join();

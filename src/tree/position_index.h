@@ -3,20 +3,17 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <string_view>
-#include <vector>
 
 #include "tree/huge_pages.h"
+#include "tree/keyed_hash.h"
 #include "tree/prefetch.h"
 
 namespace Orvane {
 
 // The hash of a name together with an id, for PositionIndex.
 inline std::uint32_t hashNameAndId(std::string_view name, std::uint32_t id) {
-  constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15;  // spreads neighbouring ids over all bits
-  const std::uint64_t mixed = (std::hash<std::string_view>{}(name) ^ id) * kOdd;
-  return static_cast<std::uint32_t>(mixed >> 32);
+  return static_cast<std::uint32_t>(foldedProduct(hashOfName(name) ^ id, kHashKey.odd));
 }
 
 // Finds elements of a growing sequence by key without holding them: an open-addressing hash table

@@ -185,26 +185,5 @@ TEST_F(TwoTableWriter, ManyNamesOfOneIdAreToldApartFast) {
   EXPECT_EQ(tables.tree[1 + kNodes + 123456].dataIndex, 1U + 123456U);
 }
 
-TEST_F(TwoTableWriter, EqualHashesAreToldApart) {
-  constexpr std::string_view kName = "same";
-  const auto mixed = static_cast<std::uint32_t>(std::hash<std::string_view>{}(kName));
-  // The hash multiplies by the golden ratio, which brings numbers a large Fibonacci number apart
-  // close together.
-  constexpr std::uint32_t kFibonacci = 2971215073;
-  std::uint32_t first = 0;
-  std::uint32_t second = 0;
-  for (std::uint32_t x = 0; x < 1000; ++x) {
-    first = x ^ mixed;
-    second = (x + kFibonacci) ^ mixed;
-    if (hashNameAndId(kName, first) == hashNameAndId(kName, second)) break;
-  }
-  ASSERT_EQ(hashNameAndId(kName, first), hashNameAndId(kName, second)) << "no such pair found";
-  addMedia(root_, first, kName);
-  addMedia(root_, second, kName);
-  addMedia(root_, first, kName);
-  EXPECT_THAT(written().tree, ElementsAre(Links{1, 3, 0}, Links{0xFFFFFFFF, 0, 1},
-                                          Links{0xFFFFFFFF, 0, 2}, Links{0xFFFFFFFF, 0, 1}));
-}
-
 }  // namespace
 }  // namespace Orvane

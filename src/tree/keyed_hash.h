@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace Orvane {
+
+// Hashes for tables whose order never shows. They have a key that each process chooses anew:
+// whoever makes a list can't choose names or ids that all meet in one place of a table and take
+// time with the square of their number.
+struct HashKey {
+  std::uint64_t first;
+  std::uint64_t second;
+  std::uint64_t odd;
+};
+
+// The key of this process.
+extern const HashKey kHashKey;
+
+// Both halves of a product, one over the other.
+inline std::uint64_t foldedProduct(std::uint64_t a, std::uint64_t b) {
+  __extension__ using Wide = unsigned __int128;
+  const Wide product = Wide{a} * b;
+  return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
+}
+
+inline std::uint64_t hashOfId(std::uint32_t id) {
+  return foldedProduct(id ^ kHashKey.first, kHashKey.odd);
+}
+
+std::uint64_t hashOfName(std::string_view name);
+
+}  // namespace Orvane
