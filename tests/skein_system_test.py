@@ -82,6 +82,10 @@ class CommandLine(unittest.TestCase):
         self.expect(64, b"skein dump: --color takes auto, always or never, not 'ever'\n",
                     "dump", "--color=ever", sample())
         self.expect(0, plain, "dump", "--json", "--format=text", sample())
+        for form in ("json", "jsonl"):
+            self.expect(0, b'{"schema":', "dump", f"--format={form}", sample())
+        self.assertEqual(run("dump", "--format=json", sample()).stdout,
+                         run("dump", "--json", sample()).stdout)
 
     def test_numbers(self):
         for number in ("", "x", "-1", "5x", "4294967296"):
@@ -96,6 +100,19 @@ class CommandLine(unittest.TestCase):
 
     def test_a_file_without_a_name(self):
         self.expect(2, b"skein: error: No such file or directory\n", "dump", "")
+
+    def test_a_lone_at_sign_is_a_file(self):
+        self.expect(2, b"skein: @: error: No such file or directory\n", "dump", "@")
+
+    def test_standard_input_stays_open_behind_a_list(self):
+        self.expect(2, b"skein: -: error: the file is empty\n", "dump", "@-", stdin=None,
+                    input=b"-\n")
+
+    def test_comparison_with_what_is_no_inventory(self):
+        for files in (("/dev/null", sample()), (sample(), "/dev/null")):
+            self.expect(2, b"skein: /dev/null: error: the file is empty\n", "diff", *files)
+        done = run("diff", "/dev/null", "/no/file")
+        self.assertEqual(done.stderr.count(b"error: "), 2)
 
     def test_counts_alone_as_json(self):
         full = run("diff", "--json", sample(), str(SAMPLES / "one-sound"))
@@ -119,6 +136,11 @@ class Colours(unittest.TestCase):
         self.assertIn(b"\x1b[", self.on_terminal(TERM="xterm", NO_COLOR=""))
         for environment in ({"TERM": "dumb"}, {}, {"TERM": "xterm", "NO_COLOR": "1"}):
             self.assertNotIn(b"\x1b[", self.on_terminal(**environment), environment)
+
+
+    def test_a_file_gets_none_by_itself(self):
+        done = run("dump", "--depth=0", sample(), env=os.environ | {"TERM": "xterm"})
+        self.assertNotIn(b"\x1b[", done.stdout)
 
 
 class Trouble(InFolder):

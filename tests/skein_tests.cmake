@@ -8,6 +8,7 @@ target_link_libraries(skein_test_support PUBLIC skein_lib)
 skeinmake_configure(skein_test_support)
 
 set(skein_test_sources
+  unit/reader_framing_test.cc
   unit/reader_inventory_check_test.cc
   unit/reader_inventory_view_test.cc
   unit/reader_mapped_file_test.cc
@@ -17,9 +18,11 @@ set(skein_test_sources
   unit/reader_tree_walk_test.cc
   unit/skein_annotate_test.cc
   unit/skein_decompile_test.cc
+  unit/skein_diff_report_test.cc
   unit/skein_dump_test.cc
   unit/skein_hostile_test.cc
   unit/skein_interrupted_test.cc
+  unit/skein_odd_records_test.cc
   unit/skein_output_test.cc
   unit/skein_round_trip_test.cc
   unit/skein_stats_test.cc

@@ -3,8 +3,10 @@
 import errno
 import hashlib
 import json
+import math
 import os
 import pickle
+import resource
 import signal
 import subprocess
 import sys
@@ -20,9 +22,11 @@ from case_file import Case, CaseError, read_case  # noqa: E402
 import run as golden  # noqa: E402
 
 # A test that takes longer is left out.
-SLOWEST = 1.0
+SLOWEST = 0.6
 # One that takes longer than this runs only when all that are faster have passed.
 QUICK = 0.03
+# In seconds: the end of a program that waits for what never comes.
+LONGEST_WAIT = 120
 
 
 @dataclass
@@ -33,24 +37,53 @@ class GroupOfTests:
     seconds: float  # that they take together
 
     def fails(self, directory: Path, scratch: Path) -> bool:
-        # Whatever a mutant does to its speed, the machine may be busy as well.
-        limit = 4 + 5 * self.seconds
         # The filter can be longer than a word of a command line may be.
-        environment = {"PATH": os.defpath, "GTEST_FILTER": self.filter, "GTEST_FAIL_FAST": "1",
-                       "GTEST_BRIEF": "1", "TMPDIR": str(scratch), "LC_ALL": "C"}
-        process = start([directory / self.program], cwd=scratch, env=environment,
-                        stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
-                        stderr=subprocess.DEVNULL, start_new_session=True)
+        return command_fails([directory / self.program], scratch, 4 + 3 * self.seconds, {
+            "GTEST_FILTER": self.filter, "GTEST_FAIL_FAST": "1", "GTEST_BRIEF": "1"})
+
+
+@dataclass
+class Script:
+    """A test that runs programs itself."""
+    words: tuple[str, ...]  # its command, in which {bin} is where the programs are
+
+    def fails(self, directory: Path, scratch: Path) -> bool:
+        words = [word.replace("{bin}", str(directory)) for word in self.words]
+        return command_fails([sys.executable, "-B", *words], scratch, 10, {})
+
+
+def limit_processor_time(seconds: float) -> None:
+    """Other time would count how busy the machine is, too."""
+    limit = math.ceil(seconds)
+    resource.setrlimit(resource.RLIMIT_CPU, (limit, limit))
+
+
+def command_fails(command: list, scratch: Path, limit: float, variables: dict[str, str]) -> bool:
+    """Whether it ends with another status than 0, or needs more than `limit` seconds of processor
+    time for itself or a child."""
+    environment = {"PATH": os.defpath, "TMPDIR": str(scratch), "LC_ALL": "C"} | variables
+    process = start(command, cwd=scratch, env=environment, stdin=subprocess.DEVNULL,
+                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True,
+                    preexec_fn=lambda: limit_processor_time(limit))
+    try:
+        return wait_in_turns(process) != 0
+    finally:
         try:
-            return process.wait(limit) != 0
+            os.killpg(process.pid, signal.SIGKILL)
+        except ProcessLookupError:
+            pass
+        process.wait()
+
+
+def wait_in_turns(process: subprocess.Popen) -> int | None:
+    """The status of a process that ends. All may be stopped for a while, this program and its
+    children alike, so the time on the clock says nothing."""
+    for _ in range(LONGEST_WAIT):
+        try:
+            return process.wait(1)
         except subprocess.TimeoutExpired:
-            return True
-        finally:
-            try:
-                os.killpg(process.pid, signal.SIGKILL)
-            except ProcessLookupError:
-                pass
-            process.wait()
+            pass
+    return None
 
 
 def start(command: list, **options) -> subprocess.Popen:
@@ -73,25 +106,32 @@ def digest(paths: list[Path]) -> str:
 
 
 class Judge:
-    def __init__(self, unit_programs: list[str], golden_programs: list[str], cases: Path | None,
-                 memory: Path):
+    def __init__(self, unit_programs: tuple[str, ...], golden_programs: tuple[str, ...],
+                 cases: Path | None, memory: Path, scripts: tuple[tuple[str, ...], ...] = ()):
         self.unit_programs = unit_programs
         self.golden_programs = golden_programs
         self.cases = cases
         self.memory = memory  # a folder to keep what was learnt in
+        self.scripts = [Script(words) for words in scripts]
         self.groups: dict[str, list[GroupOfTests]] = {}
         self.expected: list[tuple[Case, golden.Outcome]] = []
 
     def learn(self, directory: Path) -> None:
-        """Takes in what the unchanged programs do. Raises CalledProcessError when a test fails."""
+        """Takes in what the unchanged programs do. Raises CalledProcessError or RuntimeError when a
+        test fails."""
         programs = self.unit_programs + self.golden_programs
         cases = sorted(self.cases.rglob("*.txt")) if self.cases else []
-        stamp = digest([directory / name for name in programs] + cases)
+        scripts = [Path(script.words[0]) for script in self.scripts]
+        stamp = digest([directory / name for name in programs] + cases + scripts)
         known = self.memory / f"{stamp}.pickle"
         if not known.exists():
             timings = {name: self.time_tests(directory / name) for name in self.unit_programs}
             expected = [(case, golden.run_case(case, self.setup(directory)))
                         for case in map(read_case, cases) if case.program in self.golden_programs]
+            with tempfile.TemporaryDirectory(prefix="mutation-") as scratch:
+                for script in self.scripts:
+                    if script.fails(directory, Path(scratch)):
+                        raise RuntimeError(f"{script.words[0]}: fails with the unchanged programs")
             self.memory.mkdir(parents=True, exist_ok=True)
             known.write_bytes(pickle.dumps((timings, expected)))
         timings, self.expected = pickle.loads(known.read_bytes())
@@ -117,29 +157,32 @@ class Judge:
 
     @staticmethod
     def setup(directory: Path) -> golden.Setup:
-        return golden.Setup(directory, "", 5, False)
+        return golden.Setup(directory, "prlimit --cpu=4 --", LONGEST_WAIT / 4, False)
 
     def catches(self, directory: Path, preferred: list[str]) -> bool:
         """Whether a test fails with the programs in `directory`; those of `preferred` come
         first."""
         programs = sorted(self.unit_programs, key=lambda program: program not in preferred)
         with tempfile.TemporaryDirectory(prefix="mutation-") as scratch:
-            for rank in (0, 1):
-                for program in programs:
-                    if any(group.fails(directory, Path(scratch))
-                           for group in self.groups[program][rank:rank + 1]):
-                        return True
-                if rank == 0 and self.golden_case_fails(directory):
-                    return True
-        return False
+            quick, slow = ([group for program in programs
+                            for group in self.groups[program][rank:rank + 1]] for rank in (0, 1))
+            return (any(group.fails(directory, Path(scratch)) for group in quick)
+                    or self.golden_case_fails(directory)
+                    or any(test.fails(directory, Path(scratch)) for test in self.scripts + slow))
+
+    def outcome(self, case: Case, directory: Path) -> golden.Outcome | None:
+        """None if it doesn't end in time; the second time, should the first have been an
+        interruption of everything."""
+        for _ in range(2):
+            try:
+                return golden.run_case(case, self.setup(directory))
+            except CaseError:
+                pass
+        return None
 
     def golden_case_fails(self, directory: Path) -> bool:
         for i, (case, expected) in enumerate(self.expected):
-            try:
-                outcome = golden.run_case(case, self.setup(directory))
-            except CaseError:  # it didn't end in time
-                outcome = None
-            if outcome != expected:
+            if self.outcome(case, directory) != expected:
                 # The next mutant is likely to be one of the same function.
                 self.expected.insert(0, self.expected.pop(i))
                 return True

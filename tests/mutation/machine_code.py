@@ -10,17 +10,22 @@ import hashlib
 import re
 import struct
 import subprocess
+import sys
 import time
 from collections import defaultdict
 from dataclasses import dataclass
 from pathlib import Path
 from typing import BinaryIO
 
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(Path(__file__).resolve().parent))
+from control_flow import Function, Instruction  # noqa: E402
+
 NOP = b"\x90"
 ALWAYS, NEVER = "always", "never"
 
 FUNCTION = re.compile(r"^([0-9a-f]+) <(.+)>:$")
-INSTRUCTION = re.compile(r"^ *([0-9a-f]+):\t((?:[0-9a-f]{2} )+) *\t(\w+)")
+INSTRUCTION = re.compile(r"^ *([0-9a-f]+):\t((?:[0-9a-f]{2} )+) *\t(\w+) *([^#]*)")
 # The standard library's templates may stand in our object files, but they aren't ours to test.
 # Neither is what runs the constructors of global objects.
 FOREIGN = re.compile(r"^_ZN?K?(S[tabsiod]|9__gnu_cxx)|__static_initialization|^_GLOBAL__")
@@ -95,6 +100,7 @@ class Conditional:
     position: int
     code: bytes
     mnemonic: str
+    written: bool  # not made up by the compiler
     file: str
     line: int
 
@@ -116,24 +122,30 @@ def conditionals(program: Path, base: Path) -> list[Conditional]:
     """The conditional instructions of a program that come from files in `base`/src."""
     listing = subprocess.run(["objdump", "-d", "-w", program], capture_output=True, text=True,
                              check=True).stdout
-    found = []
-    symbol, start = "", 0
+    functions: dict[tuple[str, int], list[Instruction]] = {}
+    instructions: list[Instruction] = []
     for line in listing.splitlines():
         if match := FUNCTION.match(line):
-            symbol, start = match[2], int(match[1], 16)
-        elif (match := INSTRUCTION.match(line)) and CONDITIONAL.match(match[3]):
-            address = int(match[1], 16)
-            found.append((symbol, address - start, address, bytes.fromhex(match[2]), match[3]))
-    places = source_places(program, base, [address for _, _, address, _, _ in found])
+            instructions = functions[match[2], int(match[1], 16)] = []
+        elif match := INSTRUCTION.match(line):
+            instructions.append(Instruction(int(match[1], 16), bytes.fromhex(match[2]), match[3],
+                                            match[4].strip()))
+    found = []
+    for (symbol, start), instructions in functions.items():
+        conditional = [i for i in instructions if CONDITIONAL.match(i.mnemonic)]
+        if conditional and not FOREIGN.search(symbol):
+            written = Function(instructions).written()
+            found += [(symbol, i.address - start, i, i.address in written) for i in conditional]
+    places = source_places(program, base, [i.address for _, _, i, _ in found])
     loaded = file_offsets(program)
 
     def position(address: int) -> int:
         return next(offset + address - begin for begin, size, offset in loaded
                     if begin <= address < begin + size)
 
-    return [Conditional(symbol, offset, position(address), code, mnemonic, *place)
-            for (symbol, offset, address, code, mnemonic), place in zip(found, places)
-            if place[0].startswith("src/") and not FOREIGN.search(symbol)]
+    return [Conditional(symbol, offset, position(i.address), i.code, i.mnemonic, written, *place)
+            for (symbol, offset, i, written), place in zip(found, places)
+            if place[0].startswith("src/")]
 
 
 def source_places(program: Path, base: Path, addresses: list[int]) -> list[tuple[str, int]]:
@@ -192,6 +204,8 @@ def code_mutants(programs: list[Path], base: Path) -> list[CodeMutant]:
         digest = hashlib.sha256(code.encode()).hexdigest()[:8]
         instances = f"{symbols[0]} and {len(symbols) - 1} more" if symbols[1:] else symbols[0]
         for i, conditional in enumerate(first):
+            if not conditional.written:
+                continue
             for way in (ALWAYS, NEVER):
                 patches = tuple(Patch(program, found[i].position, found[i].code, new)
                                 for program, found in alike

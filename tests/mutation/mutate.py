@@ -18,7 +18,6 @@ caught and the others are explained.
 import argparse
 import fcntl
 import hashlib
-import resource
 import shutil
 import signal
 import subprocess
@@ -26,6 +25,7 @@ import sys
 import tempfile
 import time
 from contextlib import contextmanager
+from dataclasses import dataclass
 from pathlib import Path
 
 sys.dont_write_bytecode = True
@@ -34,6 +34,7 @@ sys.path.insert(0, str(HERE))
 from judge import Judge  # noqa: E402
 from machine_code import CodeMutant, Patch, code_mutants  # noqa: E402
 from results import CAUGHT, SURVIVED, Results, SurvivorsError, read_accepted, report  # noqa: E402
+from safety import SoundTests, confine, limit_resources  # noqa: E402
 from source_text import TextMutant, text_mutants  # noqa: E402
 
 ROOT = HERE.parent.parent
@@ -46,10 +47,25 @@ TREE = WORK / "tree"
 FLAGS = ("-O1 -g1 -fno-inline -fno-if-conversion -fno-if-conversion2 -fno-jump-tables "
          "-fno-reorder-blocks-and-partition")
 
-MAKER_FOLDERS = ("src/cli", "src/errors", "src/inventory", "src/io", "src/output", "src/tree")
-# By what is mutated: its tests, its programs, the folder of its golden cases that counts.
-MAKER = (["unit_tests", "inventory_tests"], ["skeinmake", "skeinmake-legacy"])
-SKEIN = (["skein_unit_tests"], ["skein"])
+
+@dataclass(frozen=True)
+class Subject:
+    """What is mutated together, and what it is tested with."""
+    unit_tests: tuple[str, ...]
+    programs: tuple[str, ...]  # and what they load
+    scripts: tuple[tuple[str, ...], ...] = ()  # commands; {bin} is where the programs are
+
+    def files(self) -> tuple[str, ...]:
+        return self.unit_tests + self.programs
+
+
+MAKER = Subject(("unit_tests", "inventory_tests"),
+                ("skeinmake", "skeinmake-legacy", "libskeinmake-xml.so"))
+SKEIN_SCRIPT = ("--skein", "{bin}/skein", "--inventories",
+                str(ROOT / "fuzz" / "seeds" / "inventory_view"))
+SKEIN = Subject(("skein_unit_tests",), ("skein",), (
+    (str(ROOT / "tests" / "skein_streams_test.py"), *SKEIN_SCRIPT),
+    (str(ROOT / "tests" / "skein_system_test.py"), *SKEIN_SCRIPT)))
 
 
 def is_skein(file: str) -> bool:
@@ -108,13 +124,13 @@ def restore_source() -> None:
         kept.unlink()
 
 
-def compile_programs(programs: list[str]) -> bool:
+def compile_programs(programs: tuple[str, ...]) -> bool:
     command = ["cmake", "--build", TREE, "--parallel", "2", "--target", *programs]
     return subprocess.run(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                           stderr=subprocess.STDOUT).returncode == 0
 
 
-def build(programs: list[str]) -> None:
+def build(programs: tuple[str, ...]) -> None:
     copy_source()
     subprocess.run(["cmake", "-S", SOURCE, "-B", TREE, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=None",
                     "-DCMAKE_CXX_COMPILER=g++", f"-DCMAKE_CXX_FLAGS={FLAGS}",
@@ -128,32 +144,27 @@ def find_program(name: str) -> Path:
     return next(path for path in (TREE / name, TREE / "tests" / name) if path.exists())
 
 
-def programs_of(folder: str) -> tuple[list[str], list[str]]:
+def subject_of(folder: str) -> Subject:
     return SKEIN if is_skein(folder) else MAKER
 
 
 def copy_programs(folder: str, directory: Path) -> None:
-    for name in sum(programs_of(folder), []):
+    for name in subject_of(folder).files():
         shutil.copy(find_program(name), directory / name)
 
 
 def prepare(folder: str, directory: Path) -> None:
     """Puts the unchanged programs into `directory`."""
     restore_source()
-    if not (TREE / "build.ninja").exists() or not compile_programs(sum(programs_of(folder), [])):
+    if not (TREE / "build.ninja").exists() or not compile_programs(subject_of(folder).files()):
         raise SystemExit("there are no programs to mutate: run build first")
     copy_programs(folder, directory)
 
 
 def make_judge(folder: str) -> Judge:
-    return Judge(*programs_of(folder), ROOT / "tests" / "golden", WORK / "learnt")
-
-
-def limit_resources() -> None:
-    """A mutant may ask for memory, or write, without end."""
-    resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
-    resource.setrlimit(resource.RLIMIT_AS, (4 << 30, 4 << 30))
-    resource.setrlimit(resource.RLIMIT_FSIZE, (1 << 28, 1 << 28))
+    subject = subject_of(folder)
+    return Judge(subject.unit_tests, subject.programs, ROOT / "tests" / "golden",
+                 WORK / "learnt", subject.scripts)
 
 
 def in_shard(name: str, shard: tuple[int, int]) -> bool:
@@ -169,14 +180,16 @@ class Deadline:
 
 
 def wanted(mutants: list, arguments: argparse.Namespace, results: Results) -> list:
+    """Those to run; the ones that have survived, which take long, come last."""
     fates = results.fates
-    return [m for m in mutants
-            if m.file.startswith(f"{arguments.folder}/") and in_shard(m.name, arguments.shard)
-            and (m.name not in fates or arguments.retry and fates[m.name] == SURVIVED)]
+    chosen = [m for m in mutants
+              if m.file.startswith(f"{arguments.folder}/") and in_shard(m.name, arguments.shard)
+              and (m.name not in fates or arguments.retry and fates[m.name] == SURVIVED)]
+    return sorted(chosen, key=lambda m: m.name in fates)
 
 
 def all_code_mutants(folder: str) -> list[CodeMutant]:
-    found = code_mutants([find_program(name) for name in sum(programs_of(folder), [])], TREE)
+    found = code_mutants([find_program(name) for name in subject_of(folder).files()], TREE)
     return [m for m in found if m.file.startswith(f"{folder}/") and is_skein(m.file) ==
             is_skein(folder)]
 
@@ -192,12 +205,14 @@ def run_code(arguments: argparse.Namespace) -> None:
         directory = Path(name)
         with locked():
             prepare(arguments.folder, directory)
+            limit_resources()
             judge = make_judge(arguments.folder)
             judge.learn(directory)
             mutants = wanted(all_code_mutants(arguments.folder), arguments, results)
-        limit_resources()
+        sound = SoundTests(judge, directory, results)
         for done, mutant in enumerate(mutants):
             if deadline.has_passed():
+                sound.confirm()
                 print(f"{len(mutants) - done} mutants are left: go on with the same command")
                 return
             for patch in mutant.patches:
@@ -205,23 +220,25 @@ def run_code(arguments: argparse.Namespace) -> None:
             caught = judge.catches(directory, preferred_tests(mutant.file))
             for patch in mutant.patches:
                 patch.apply(directory, undo=True)
-            results.add(mutant.name, CAUGHT if caught else SURVIVED)
+            sound.add(mutant.name, CAUGHT if caught else SURVIVED)
+        sound.confirm()
     print(f"{len(mutants)} mutants run")
 
 
 def run_text(arguments: argparse.Namespace) -> None:
     results = Results(WORK / "results.jsonl")
     deadline = Deadline(arguments.seconds)
-    programs = sum(programs_of(arguments.folder), [])
+    programs = subject_of(arguments.folder).files()
     with locked(), tempfile.TemporaryDirectory(prefix="mutation-programs-") as name:
         directory, changed = Path(name, "unchanged"), Path(name, "changed")
         directory.mkdir()
         changed.mkdir()
         prepare(arguments.folder, directory)
+        limit_resources()
         judge = make_judge(arguments.folder)
         judge.learn(directory)
         mutants = wanted(all_text_mutants(arguments.folder), arguments, results)
-        limit_resources()
+        sound = SoundTests(judge, directory, results)
         for done, mutant in enumerate(mutants):
             if deadline.has_passed():
                 print(f"{len(mutants) - done} mutants are left: go on with the same command")
@@ -233,16 +250,17 @@ def run_text(arguments: argparse.Namespace) -> None:
                     if not caught:
                         copy_programs(arguments.folder, changed)
                         caught = judge.catches(changed, preferred_tests(mutant.file))
-            results.add(mutant.name, CAUGHT if caught else SURVIVED)
+            sound.add(mutant.name, CAUGHT if caught else SURVIVED)
         else:
             print(f"{len(mutants)} mutants run")
+        sound.confirm()
 
 
 def string_is_missed(mutant: TextMutant, folder: str, directory: Path, judge: Judge) -> bool:
     """Whether a golden case fails with the string changed in the programs themselves: that takes no
     compiler. Not in the unit tests, which may share the bytes of a string with what they test."""
     patches = []
-    for name in programs_of(folder)[1]:
+    for name in subject_of(folder).programs:
         program = directory / name
         content = program.read_bytes()
         old, new = mutant.change.old, mutant.change.new
@@ -264,7 +282,7 @@ def run_report(arguments: argparse.Namespace) -> int:
     mutants: dict[str, CodeMutant | TextMutant] = {}
     for folder in folders:
         if all(any((d / p).exists() for d in (TREE, TREE / "tests"))
-               for p in sum(programs_of(folder), [])):
+               for p in subject_of(folder).files()):
             found = [*all_code_mutants(folder), *all_text_mutants(folder)]
             mutants |= {mutant.name: mutant for mutant in found}
     accepted = [a for a in read_accepted(HERE / "survivors.txt")
@@ -298,11 +316,10 @@ def main() -> int:
             return run_report(arguments)
         if arguments.verb == "build":
             with locked():
-                build(sum(programs_of(arguments.folder), []))
-        elif arguments.verb == "code":
-            run_code(arguments)
+                build(subject_of(arguments.folder).files())
         else:
-            run_text(arguments)
+            confine(HERE / "mutate.py", WORK)
+            (run_code if arguments.verb == "code" else run_text)(arguments)
     except SurvivorsError as error:
         print(error)
         return 1

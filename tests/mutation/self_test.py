@@ -12,10 +12,13 @@ from pathlib import Path
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(Path(__file__).resolve().parent))
+from control_flow import Function, Instruction  # noqa: E402
+from judge import command_fails  # noqa: E402
 from machine_code import ALWAYS, NEVER, code_mutants, plain_name, unconditional  # noqa: E402
 from mutate import FLAGS  # noqa: E402
 from results import (CAUGHT, SURVIVED, Results, SurvivorsError, read_accepted,  # noqa: E402
                      report)
+from safety import SoundTests  # noqa: E402
 from source_text import Change, changes  # noqa: E402
 
 LIBRARY = """
@@ -116,6 +119,73 @@ class Instructions(unittest.TestCase):
                 ("void Orvane::each<int*>(int*, int*)", "each"),
                 ("main", "main")):
             self.assertEqual(plain_name(name), short)
+
+
+def function(*lines: str) -> Function:
+    """Of instructions that are one byte long each, as "jne 5" or "call <name>", from address 0."""
+    instructions = []
+    for address, line in enumerate(lines):
+        mnemonic, _, operands = line.partition(" ")
+        if operands.isdigit():
+            operands = f"{int(operands):x} <f>"
+        instructions.append(Instruction(address, b"?", mnemonic, operands))
+    return Function(instructions)
+
+
+DESTROY = "call 77 <_ZNSt6stringD1Ev>"
+
+
+class ControlFlow(unittest.TestCase):
+    def test_jumps_around_the_end_of_an_object_are_the_compilers(self):
+        self.assertNotIn(1, function("test", "je 4", "lea", DESTROY, "ret").written())
+        for skipped in ("call 77 <_ZN1fEv>", "add"):
+            self.assertIn(1, function("test", "je 4", skipped, DESTROY, "ret").written())
+
+    def test_clean_up_on_an_exceptions_way_is_the_compilers(self):
+        f = function("call 77 <_ZN1fEv>", "je 3", "nop", "ret", "test", "je 7", "nop",
+                     "call 77 <_Unwind_Resume@plt>")
+        self.assertEqual(f.written(), {0, 1, 2, 3})
+
+    def test_handlers_and_the_choice_among_them_are_written(self):
+        f = function("call 77 <_ZN1fEv>", "ret", "cmp", "jne 7", "call 77 <__cxa_begin_catch@plt>",
+                     "je 1", "jmp 1", "call 77 <_Unwind_Resume@plt>")
+        self.assertTrue({2, 3, 4, 5} <= f.written())
+
+
+class FickleJudge:
+    def __init__(self):
+        self.fails = False
+
+    def catches(self, *_) -> bool:
+        return self.fails
+
+
+class Soundness(unittest.TestCase):
+    def test_results_count_only_while_the_tests_pass(self):
+        with tempfile.TemporaryDirectory(prefix="mutation-") as folder:
+            results = Results(Path(folder, "results.jsonl"))
+            judge = FickleJudge()
+            sound = SoundTests(judge, Path(folder), results)
+            sound.add("early", CAUGHT)
+            sound.confirm()
+            sound.add("late", CAUGHT)
+            judge.fails = True
+            with self.assertRaises(SystemExit):
+                sound.confirm()
+            self.assertEqual(Results(results.path).fates, {"early": CAUGHT})
+
+
+class Judging(unittest.TestCase):
+    def fails(self, *command: str) -> bool:
+        with tempfile.TemporaryDirectory(prefix="mutation-") as folder:
+            return command_fails(list(command), Path(folder), 1, {})
+
+    def test_commands(self):
+        self.assertFalse(self.fails("true"))
+        self.assertTrue(self.fails("false"))
+
+    def test_endless_work_ends(self):
+        self.assertTrue(self.fails("sh", "-c", "while :; do :; done"))
 
 
 class SourceText(unittest.TestCase):

@@ -1,4 +1,6 @@
 // Streams that a failed block transfer leaves open while the buffer counts as closed.
+#include <unistd.h>
+
 #include "disk_buffer_fixture.h"
 
 namespace Orvane::test {
@@ -42,6 +44,26 @@ TEST_F(DiskBufferLeftOpen, ReadingStreamStaysOneThatReads) {
   buffer.openForWrite();
   EXPECT_TRUE(buffer.close());
   EXPECT_EQ(readFile(path_), "text");
+}
+
+// Only what was written can be lost. The stream's descriptor is the lowest that is free; one taken
+// away from it can't be closed.
+TEST_F(DiskBufferLeftOpen, ReadingStreamThatCannotBeClosedLosesNothing) {
+  writeFile(path_, "text");
+  const int next = ::dup(STDIN_FILENO);
+  ASSERT_GE(next, 0);
+  ::close(next);
+  for (const bool writes : {false, true}) {
+    OpenDiskBuffer buffer(path_);
+    ASSERT_TRUE(writes ? buffer.openForWrite() : buffer.openForRead());
+    ASSERT_EQ(::close(next), 0);
+    if (writes) {
+      expectThrown<OVWriteError>([&] { buffer.close(); }, kWriteMessage);
+    } else {
+      EXPECT_TRUE(buffer.close());
+    }
+    EXPECT_EQ(buffer.currentMode(), 0U);
+  }
 }
 
 }  // namespace

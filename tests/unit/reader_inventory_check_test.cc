@@ -317,6 +317,10 @@ TEST(RuleSettings, WordsSilenceAndPromote) {
   EXPECT_EQ(settings.of(Rule::kNoRoot), Severity::kOff);
   EXPECT_TRUE(settings.apply("no-root"));
   EXPECT_EQ(settings.of(Rule::kNoRoot), Severity::kWarning);
+  EXPECT_TRUE(settings.apply("no-name-utf8"));
+  EXPECT_TRUE(settings.apply("error"));
+  EXPECT_EQ(settings.of(Rule::kNameUtf8), Severity::kOff) << "silence is no warning";
+  EXPECT_EQ(settings.of(Rule::kNoRoot), Severity::kError);
   for (const char* word : {"", "no-", "error=", "error=nonsense", "no-nonsense", "Cycle"}) {
     EXPECT_FALSE(settings.apply(word)) << word;
   }

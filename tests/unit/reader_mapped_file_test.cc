@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
@@ -99,6 +100,30 @@ TEST(MappedFile, ReadsAPipeToItsEnd) {
   EXPECT_TRUE(throughPipe(bytes + "more", taken) == bytes + "more");
   EXPECT_EQ(throughPipe("", taken), "");
   EXPECT_EQ(throughPipe("short", taken), "short");
+}
+
+// The first piece has no descriptor yet that would say how much follows.
+TEST(MappedFile, ReadsAPipeThatBeginsWithLittle) {
+  const InventoryImage image(Layout::kOneTable, menu("R", std::vector<Sketch>(5000, menu("A"))));
+  const Folder folder;
+  ASSERT_EQ(::mkfifo(folder.file().c_str(), 0600), 0);
+  std::thread writer([&] {
+    const int fd = ::open(folder.file().c_str(), O_WRONLY);
+    constexpr std::size_t kLittle = 20;
+    EXPECT_EQ(::write(fd, image.bytes().data(), kLittle), static_cast<ssize_t>(kLittle));
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    for (std::size_t at = kLittle; at < image.size();) {
+      const ssize_t written = ::write(fd, image.bytes().data() + at, image.size() - at);
+      if (written <= 0) break;
+      at += static_cast<std::size_t>(written);
+    }
+    ::close(fd);
+  });
+  std::string error;
+  const auto file = MappedFile::open(folder.file(), error);
+  writer.join();
+  ASSERT_TRUE(file.has_value()) << error;
+  EXPECT_EQ(file->bytes().size(), image.size());
 }
 
 TEST(MappedFile, ReadsLittleOfAPipeThatIsNoInventory) {

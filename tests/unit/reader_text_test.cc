@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "inventory_image.h"
@@ -32,6 +33,14 @@ TEST(Utf8, CountsTheValidBytes) {
   EXPECT_FALSE(isUtf8("a\xED\xBF\xBF"));
 }
 
+TEST(Utf8, HasNoLeadBytesBeyondF7) {
+  for (int lead = 0xF8; lead <= 0xFF; ++lead) {
+    const std::string text = static_cast<char>(lead) + std::string("\x90\x80\x80\x80\x80");
+    EXPECT_FALSE(firstUtf8Char(text).valid) << lead;
+    EXPECT_EQ(validUtf8Prefix(text), 0U) << lead;
+  }
+}
+
 TEST(TextEscape, LeavesPrintableTextAlone) {
   EXPECT_EQ(escaped("Caf\xC3\xA9 \xF0\x9F\x8E\xB5 ~"), "Caf\xC3\xA9 \xF0\x9F\x8E\xB5 ~");
 }
@@ -57,6 +66,18 @@ TEST(TextEscape, ComesBack) {
     EXPECT_EQ(unescaped(bad), std::nullopt) << bad;
   }
   EXPECT_EQ(unescaped("\\x41\\x6a\\x6A"), "Ajj");
+}
+
+TEST(TextEscape, TakesNoOtherEscapes) {
+  for (int i = 0; i < 256; ++i) {
+    const std::string text = {'\\', static_cast<char>(i), '4', '1'};
+    const bool known = std::string_view("nrtx\\/\"").find(text[1]) != std::string_view::npos;
+    EXPECT_EQ(unescaped(text).has_value(), known) << i;
+  }
+  // What stands behind the text in memory would make the escape whole.
+  EXPECT_EQ(unescaped(std::string_view("\\n", 1)), std::nullopt);
+  EXPECT_EQ(unescaped(std::string_view("\\x41", 2)), std::nullopt);
+  EXPECT_EQ(unescaped(std::string_view("\\x41", 3)), std::nullopt);
 }
 
 TEST(SplitPath, TakesNamesApart) {

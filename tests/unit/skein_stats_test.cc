@@ -81,5 +81,51 @@ TEST(Stats, CountsWhatCanBeReachedOfADamagedFile) {
   EXPECT_NE(result.messages.find("damaged"), std::string::npos);
 }
 
+TEST(Stats, OneTableHasNoDataTableAndSharesNothing) {
+  const auto stats = statsJson(InventoryImage(Layout::kOneTable, sampleTree()));
+  EXPECT_EQ(stats["tableBytes"],
+            nlohmann::json::parse(R"({"header":32,"firstTable":800,"dataTable":0,
+      "other":0,"savedBySharing":0})"));
+}
+
+TEST(Stats, UnusedDataRecordsSaveNothing) {
+  InventoryImage image(Layout::kTwoTable, menu("R"));
+  image.addDataRecord();
+  const auto out = statsOf(image.bytes(), Format::kJson).out;
+  EXPECT_EQ(nlohmann::json::parse(out)["files"][0]["tableBytes"]["savedBySharing"], 0);
+}
+
+TEST(Stats, TextLeavesOutWhatThereIsNoneOf) {
+  const std::string plain = statsOf(InventoryImage(Layout::kTwoTable, menu("R")).bytes()).out;
+  for (const char* const absent :
+       {"without stored contents", "with a child count", "  other", "widest menus", "  media"}) {
+    EXPECT_EQ(plain.find(absent), std::string::npos) << plain;
+  }
+  InventoryImage rich(Layout::kTwoTable,
+                      menu("R", {menu("Playlists", {media("a", 1)}), menu("Playlists"),
+                                 media("b", 2, 0, {menu("")})}));
+  rich.append("more");
+  const std::string text = statsOf(rich.bytes()).out;
+  for (const char* const present :
+       {"without stored contents", "with a child count", "  other", "widest menus", "  media"}) {
+    EXPECT_NE(text.find(present), std::string::npos) << text;
+  }
+}
+
+TEST(Stats, WithoutARootNothingIsDeepest) {
+  InventoryImage none(Layout::kOneTable, menu("R"));
+  none.number(24, 0).cutTo(32);
+  EXPECT_EQ(statsOf(none.bytes()).out.find('?'), std::string::npos);
+  const auto json = nlohmann::json::parse(statsOf(none.bytes(), Format::kJson).out);
+  EXPECT_TRUE(json["files"][0]["deepest"].is_null());
+}
+
+TEST(Stats, OnlyLinesSayWhatTheyAre) {
+  const InventoryImage image(Layout::kTwoTable, menu("R"));
+  EXPECT_FALSE(statsJson(image).contains("type"));
+  EXPECT_NE(statsOf(image.bytes(), Format::kJsonLines).out.find("\n{\"type\":\"stats\""),
+            std::string::npos);
+}
+
 }  // namespace
 }  // namespace Orvane

@@ -6,8 +6,11 @@
 #include <exception>
 #include <functional>
 #include <iostream>
+#include <new>
 #include <stdexcept>
+#include <string>
 
+#include "errors/ov_error.h"
 #include "errors/ov_write_error.h"
 
 namespace Orvane::test {
@@ -38,6 +41,15 @@ TEST_F(TerminateHandlerDeathTest, TellsStandardExceptions) {
 TEST_F(TerminateHandlerDeathTest, TellsOfWhatHasNoMessage) {
   EXPECT_EXIT(endBy([] { throw 1; }), ::testing::KilledBySignal(SIGABRT),
               "^skeinmake: unknown error: out\\\\x0A\\.inv\n$");
+}
+
+TEST_F(TerminateHandlerDeathTest, TellsThatThereIsNoMemoryForAMessage) {
+  class WithoutMemory : public OVError {
+   public:
+    std::string getMessage() const override { throw std::bad_alloc(); }
+  };
+  EXPECT_EXIT(endBy([] { throw WithoutMemory(); }), ::testing::KilledBySignal(SIGABRT),
+              "^skeinmake: std::bad_alloc: out\\\\x0A\\.inv\n$");
 }
 
 TEST_F(TerminateHandlerDeathTest, IsSilentWithoutAnException) {
