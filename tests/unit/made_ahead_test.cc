@@ -6,6 +6,8 @@
 #include <stdexcept>
 #include <vector>
 
+#include "allocation_probe.h"
+
 namespace Orvane::test {
 namespace {
 
@@ -41,6 +43,22 @@ TEST(MadeAhead, MakesTheNextWhileOneIsUsed) {
         ++used;
       });
   EXPECT_EQ(used, 2);
+}
+
+TEST(MadeAhead, DoesWithoutAThreadWhenMemoryRunsOut) {
+  int made = 0;
+  int sum = 0;
+  {
+    const LimitedAllocations none(0);
+    forEachMadeAhead<int>(
+        [&](int& item) {
+          item = ++made;
+          return item <= 10;
+        },
+        [&](int item) { sum += item; });
+  }
+  EXPECT_EQ(made, 11);
+  EXPECT_EQ(sum, 55);
 }
 
 TEST(MadeAhead, ItemsAreMadeAnewInTheSamePlaces) {

@@ -6,9 +6,13 @@
 #include <atomic>
 #include <condition_variable>
 #include <cstddef>
+#include <functional>
 #include <mutex>
+#include <new>
 #include <stdexcept>
 #include <vector>
+
+#include "allocation_probe.h"
 
 namespace Orvane::test {
 namespace {
@@ -56,6 +60,24 @@ TEST(Parallel, ThrowsWhatAPartThrows) {
     };
     EXPECT_THROW(forEachInParallel(100'000, workers, work), std::runtime_error);
     EXPECT_LT(begun, 100'000) << "the rest need not be done";
+  }
+}
+
+TEST(Parallel, FewerWorkersDoItAllWhenMemoryRunsOut) {
+  for (std::ptrdiff_t allowed = 0; allowed < 12; ++allowed) {
+    std::atomic<int> done = 0;
+    const std::function<void(std::size_t, std::size_t)> work = [&](std::size_t, std::size_t) {
+      ++done;
+    };
+    bool isRefused = false;
+    try {
+      const LimitedAllocations limited(allowed);
+      forEachInParallel(50, 4, work);
+    } catch (const std::bad_alloc&) {
+      isRefused = true;
+    }
+    EXPECT_EQ(done, isRefused ? 0 : 50) << allowed;
+    EXPECT_EQ(isRefused, allowed == 0) << allowed;
   }
 }
 
