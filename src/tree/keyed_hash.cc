@@ -1,25 +1,20 @@
 #include "tree/keyed_hash.h"
 
-#include <sys/auxv.h>
+#include <sys/random.h>
 
-#include <cstddef>
+#include <array>
 #include <cstring>
 
 namespace Orvane {
 
 namespace {
 
-// The system gives every process sixteen random bytes.
+// Where the system has no random bytes yet, the key is always the same.
 HashKey makeKey() {
-  HashKey key{0x9E3779B97F4A7C15, 0xBF58476D1CE4E5B9, 0x94D049BB133111EB};
-  if (const auto* const random = reinterpret_cast<const unsigned char*>(::getauxval(AT_RANDOM))) {
-    std::uint64_t bytes = 0;
-    std::memcpy(&bytes, random, sizeof(bytes));
-    key.first ^= bytes;
-    std::memcpy(&bytes, random + sizeof(bytes), sizeof(bytes));
-    key.second ^= bytes;
-    key.odd = foldedProduct(key.odd ^ key.first, key.second) | 1;
-  }
+  std::array<std::uint64_t, 2> random{};
+  static_cast<void>(::getrandom(random.data(), sizeof(random), GRND_NONBLOCK));
+  HashKey key{0x9E3779B97F4A7C15 ^ random[0], 0xBF58476D1CE4E5B9 ^ random[1], 0};
+  key.odd = foldedProduct(key.first ^ 0x94D049BB133111EB, key.second) | 1;
   return key;
 }
 
