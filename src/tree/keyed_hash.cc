@@ -12,7 +12,7 @@ namespace {
 // Where the system has no random bytes yet, the key is always the same.
 HashKey makeKey() {
   std::array<std::uint64_t, 2> random{};
-  static_cast<void>(::getrandom(random.data(), sizeof(random), GRND_NONBLOCK));
+  if (::getrandom(random.data(), sizeof(random), GRND_NONBLOCK) != sizeof(random)) random = {};
   HashKey key{0x9E3779B97F4A7C15 ^ random[0], 0xBF58476D1CE4E5B9 ^ random[1], 0};
   key.odd = foldedProduct(key.first ^ 0x94D049BB133111EB, key.second) | 1;
   return key;

@@ -10,23 +10,26 @@
 namespace Orvane::test {
 namespace {
 
+[[noreturn]] void loadWhileNoFileCanBeOpened() {
+  rlimit usual;
+  getrlimit(RLIMIT_NOFILE, &usual);
+  rlimit none = usual;
+  none.rlim_cur = 0;
+  setrlimit(RLIMIT_NOFILE, &none);
+  try {
+    loadXmlReader();
+  } catch (const std::runtime_error& error) {
+    setrlimit(RLIMIT_NOFILE, &usual);  // for the sanitizers, which open files to look at the error
+    std::cerr << error.what();
+    std::_Exit(3);
+  }
+  std::_Exit(0);
+}
+
 TEST(XmlModuleDeathTest, TellsWhyItCannotBeLoaded) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");  // a process that hasn't loaded it before
-  EXPECT_EXIT(
-      {
-        rlimit usual;
-        getrlimit(RLIMIT_NOFILE, &usual);
-        const rlimit nothing = {0, usual.rlim_max};
-        setrlimit(RLIMIT_NOFILE, &nothing);
-        try {
-          loadXmlReader();
-        } catch (const std::runtime_error& error) {
-          setrlimit(RLIMIT_NOFILE, &usual);  // for the sanitizers, which open files to look at it
-          std::cerr << error.what();
-          std::_Exit(3);
-        }
-      },
-      ::testing::ExitedWithCode(3), "^cannot load the XML reader: .*Too many open files");
+  EXPECT_EXIT(loadWhileNoFileCanBeOpened(), ::testing::ExitedWithCode(3),
+              "^cannot load the XML reader: .*Too many open files");
 }
 
 }  // namespace
