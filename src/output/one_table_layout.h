@@ -14,8 +14,8 @@ namespace Orvane {
 // owned) and its link. The 80 bytes come into being only as they are written.
 struct NodeRecord {
   Child child;
-  std::uint32_t firstChildIndex =
-      kNoChildren;  // in the combined table; kNoChildren for a media leaf
+  // In the combined table; stays as it is for a media leaf.
+  std::uint32_t firstChildIndex = kNoChildren;
 
   using Leaf = Child;
   static NodeRecord ofLeaf(Child leaf) { return {leaf}; }

@@ -54,6 +54,7 @@ class RankSorter {
     std::uint32_t rank;
     std::uint32_t track;
   };
+
   bool allDiffer() {
     isThere_.resize(ranks_->highest() + std::size_t{1});
     std::size_t different = 0;

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
+#include <span>
 #include <string>
 #include <thread>
 #include <vector>
@@ -69,6 +70,17 @@ TEST(MappedFile, SaysWhyItCannotBeRead) {
   EXPECT_EQ(error, "Is a directory");
 }
 
+// Returns how many of the bytes the file took.
+std::size_t writeAll(int fd, std::span<const char> bytes) {
+  std::size_t taken = 0;
+  while (taken < bytes.size()) {
+    const ssize_t written = ::write(fd, bytes.data() + taken, bytes.size() - taken);
+    if (written <= 0) break;
+    taken += static_cast<std::size_t>(written);
+  }
+  return taken;
+}
+
 // Sends `bytes` into a named pipe while it is being read.
 std::string throughPipe(const std::string& bytes, std::size_t& taken) {
   const Folder folder;
@@ -76,12 +88,7 @@ std::string throughPipe(const std::string& bytes, std::size_t& taken) {
   static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
   std::thread writer([&] {
     const int fd = ::open(folder.file().c_str(), O_WRONLY);
-    taken = 0;
-    while (taken < bytes.size()) {
-      const ssize_t written = ::write(fd, bytes.data() + taken, bytes.size() - taken);
-      if (written <= 0) break;
-      taken += static_cast<std::size_t>(written);
-    }
+    taken = writeAll(fd, bytes);
     ::close(fd);
   });
   std::string error;
@@ -112,11 +119,8 @@ TEST(MappedFile, ReadsAPipeThatBeginsWithLittle) {
     constexpr std::size_t kLittle = 20;
     EXPECT_EQ(::write(fd, image.bytes().data(), kLittle), static_cast<ssize_t>(kLittle));
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    for (std::size_t at = kLittle; at < image.size();) {
-      const ssize_t written = ::write(fd, image.bytes().data() + at, image.size() - at);
-      if (written <= 0) break;
-      at += static_cast<std::size_t>(written);
-    }
+    writeAll(fd, std::span(reinterpret_cast<const char*>(image.bytes().data()), image.size())
+                     .subspan(kLittle));
     ::close(fd);
   });
   std::string error;
