@@ -46,7 +46,7 @@ std::uint32_t CategoryIndex::nameFor(std::uint32_t id, std::string_view text) {
     const std::string folded = foldName(text);
     if (folded != name.folded()) {
       if (!isNew) placeEntries();
-      name.foldedBytes = foldedNames_->keep(folded).data();
+      name.foldedBytes = foldedNames_.keep(folded).data();
     }
     name.bytes = text.data();
     name.size = static_cast<std::uint32_t>(text.size());
@@ -57,13 +57,9 @@ std::uint32_t CategoryIndex::nameFor(std::uint32_t id, std::string_view text) {
 void CategoryIndex::placeEntries() {
   if (placed_) return;
   auto placed = std::make_unique<Placed>(ByLiveName{this});
-  for (const Entry& entry : entries_) placed->emplace(entry.name, entry.track);
+  entries_.forEach([&](std::uint32_t name, std::uint32_t track) { placed->emplace(name, track); });
   placed_ = std::move(placed);
-  entries_ = {};
-}
-
-void CategoryIndex::expectEntries(std::size_t count) {
-  if (!placed_) entries_.reserve(entries_.size() + count);
+  entries_.clear();
 }
 
 void CategoryIndex::insert(std::uint32_t id, std::string_view name, std::uint32_t track) {
@@ -71,7 +67,7 @@ void CategoryIndex::insert(std::uint32_t id, std::string_view name, std::uint32_
   if (placed_) {
     placed_->emplace(position, track);
   } else {
-    entries_.push_back({position, track});
+    entries_.add(position, track);
   }
 }
 
@@ -111,10 +107,11 @@ LargeVector<std::uint32_t> CategoryIndex::tracksInOrder() const {
     rank[byName[i].name] = ranks;
   }
   LargeVector<std::size_t> place(names_.size() + 1);
-  for (const Entry& entry : entries_) ++place[rank[entry.name] + 1];
+  entries_.forEach([&](std::uint32_t name, std::uint32_t) { ++place[rank[name] + 1]; });
   std::partial_sum(place.begin(), place.end(), place.begin());
   tracks.resize(entries_.size());
-  for (const Entry& entry : entries_) tracks[place[rank[entry.name]]++] = entry.track;
+  entries_.forEach(
+      [&](std::uint32_t name, std::uint32_t track) { tracks[place[rank[name]]++] = track; });
   return tracks;
 }
 
@@ -123,7 +120,7 @@ std::vector<std::uint32_t> CategoryIndex::tracksOf(std::uint32_t id) const {
   const auto take = [&](std::uint32_t name, std::uint32_t track) {
     if (names_[name].id == id) tracks.push_back(track);
   };
-  for (const Entry& entry : entries_) take(entry.name, entry.track);
+  entries_.forEach(take);
   if (placed_) {
     for (const auto& [name, track] : *placed_) take(name, track);
   }
@@ -156,10 +153,10 @@ void CategoryIndex::eraseId(std::uint32_t id) {
 void CategoryIndex::clear() {
   placed_.reset();
   entries_.clear();
-  names_.clear();
+  release(names_);
   nameById_.clear();
   lastPosition_ = kUnknown;
-  foldedNames_ = std::make_unique<Arena>();
+  foldedNames_.clear();
 }
 
 }  // namespace Orvane

@@ -9,6 +9,7 @@
 
 #include "inventory/id_map.h"
 #include "tree/arena.h"
+#include "tree/chunked_list.h"
 #include "tree/huge_pages.h"
 #include "tree/prefetch.h"
 
@@ -34,9 +35,6 @@ class CategoryIndex {
   // Gives the id that name, then enters (id, track). The name's bytes must outlive the index, or
   // the next clear().
   void insert(std::uint32_t id, std::string_view name, std::uint32_t track);
-
-  // Says that about so many entries will come.
-  void expectEntries(std::size_t count);
 
   // Ask, in this order and each in time for the next, for what nameOf(id) looks at: the id's entry,
   // its name, the bytes of that.
@@ -75,9 +73,43 @@ class CategoryIndex {
     std::string_view folded() const { return {foldedBytes, foldedBytes == nullptr ? 0 : size}; }
   };
 
-  struct Entry {
-    std::uint32_t name;  // position in names_
-    std::uint32_t track;
+  // Entries as they came, whose tracks mostly count up: the names alone take half the memory.
+  class Entries {
+   public:
+    void add(std::uint32_t name, std::uint32_t track) {
+      if (runs_.empty() || track != nextTrack_) runs_.push_back({names_.size(), track});
+      names_.push_back(name);
+      nextTrack_ = track + 1;
+    }
+
+    // Calls use(name, track) for each, in order.
+    template <typename Use>
+    void forEach(Use use) const {
+      auto run = runs_.begin();
+      std::size_t at = 0;
+      std::uint32_t track = 0;
+      names_.forEach([&](std::uint32_t name) {
+        if (run != runs_.end() && run->begin == at++) track = (run++)->track;
+        use(name, track++);
+      });
+    }
+
+    std::size_t size() const { return names_.size(); }
+    void clear() {
+      names_.clear();
+      release(runs_);
+    }
+
+   private:
+    // Entries of tracks that count up.
+    struct Run {
+      std::size_t begin;
+      std::uint32_t track;  // of the first
+    };
+
+    ChunkedList<std::uint32_t> names_;  // positions in the index's names_
+    LargeVector<Run> runs_;
+    std::uint32_t nextTrack_ = 0;
   };
 
   // Compares positions in names_ by what the names are at the time of the comparison.
@@ -100,10 +132,10 @@ class CategoryIndex {
   // What positionOf() found last: an id is asked for its name, then given an entry.
   mutable std::uint32_t lastId_ = 0;
   mutable std::uint32_t lastPosition_ = kUnknown;
-  std::unique_ptr<Arena> foldedNames_ = std::make_unique<Arena>();
+  Arena foldedNames_;
 
   // Either all entries as they came, or, once that doesn't determine their order, all in place.
-  LargeVector<Entry> entries_;
+  Entries entries_;
   std::unique_ptr<Placed> placed_;
 };
 

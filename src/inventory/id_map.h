@@ -63,7 +63,7 @@ class IdMap {
   }
 
   void clear() {
-    slots_.clear();
+    release(slots_);
     used_ = 0;
   }
 

@@ -7,9 +7,18 @@
 
 namespace Orvane {
 
+void TrackIndex::addToTable(const Track& track) {
+  constexpr std::size_t kAhead = (std::size_t{1} << 23) / sizeof(const Track*);
+  tracksByNumber_.push_back(&track);
+  const std::size_t size = tracksByNumber_.size();
+  if (size % kAhead == 0 && tracksByNumber_.capacity() - size >= 2 * kAhead) {
+    makePagesAhead(tracksByNumber_.data() + size + kAhead, kAhead * sizeof(const Track*));
+  }
+}
+
 bool TrackIndex::add(Track& track) {
   const auto number = static_cast<Number>(tracksByNumber_.size());
-  tracksByNumber_.push_back(&track);
+  addToTable(track);
   Number& entered = tracksById_.enter(track.getMediaId(), number);
   if (entered == kNoTrack) entered = number;
   if (entered != number) {
@@ -17,7 +26,7 @@ bool TrackIndex::add(Track& track) {
     return false;
   }
   track.number_ = number <= kMaxToldNumber ? number & kMaxToldNumber : 0;
-  trackList_.push_back(&track);
+  if (hasOwnList_) ownList_.push_back(&track);
 
   const auto enter = [number](CategoryIndex& category, std::uint32_t id, std::string_view name) {
     if (id != 0) category.insert(id, name, number);
@@ -29,12 +38,10 @@ bool TrackIndex::add(Track& track) {
   return true;
 }
 
-// Without it, half of the memory that growing sequences touch would be given up again.
+// Without it, half of the memory that the growing table touches would be given up again.
 void TrackIndex::expect(std::size_t count) {
   try {
-    trackList_.reserve(trackList_.size() + count);
     tracksByNumber_.reserve(tracksByNumber_.size() + count);
-    for (CategoryIndex* category : {&genres_, &artists_, &albums_}) category->expectEntries(count);
   } catch (const std::bad_alloc&) {
     // What really comes may well fit.
   }
@@ -71,7 +78,12 @@ void TrackIndex::remove(std::uint32_t mediaId) {
       category->eraseTracks({found, 1});
     }
   }
-  static_cast<void>(std::remove_if(trackList_.begin(), trackList_.end(), [=](const Track* track) {
+  if (!hasOwnList_) {
+    const std::span<const Track* const> list = getTrackList();
+    ownList_.assign(list.begin(), list.end());
+    hasOwnList_ = true;
+  }
+  static_cast<void>(std::remove_if(ownList_.begin(), ownList_.end(), [=](const Track* track) {
     return track->getMediaId() == mediaId;
   }));
   tracksById_.erase(mediaId);
@@ -97,7 +109,9 @@ const Track* TrackIndex::findOrEnter(std::uint32_t mediaId) {
 
 void TrackIndex::clear() {
   // Numbers are never given twice: a track that was in here may still be in somebody's playlist.
-  trackList_.clear();
+  release(ownList_);
+  hasOwnList_ = false;
+  firstOfList_ = static_cast<Number>(tracksByNumber_.size());
   tracksById_.clear();
   for (CategoryIndex* category : {&genres_, &artists_, &albums_, &ratings_}) category->clear();
 }

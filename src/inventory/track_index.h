@@ -70,7 +70,9 @@ class TrackIndex {
 
   // In registration order. A removal moves the later tracks up but doesn't shorten the list: its
   // last place keeps what was there. That is deliberate; what reads the list relies on its length.
-  const LargeVector<const Track*>& getTrackList() const { return trackList_; }
+  std::span<const Track* const> getTrackList() const {
+    return hasOwnList_ ? std::span(ownList_) : std::span(tracksByNumber_).subspan(firstOfList_);
+  }
 
   CategoryIndex& getArtists() { return artists_; }
   CategoryIndex& getAlbums() { return albums_; }
@@ -87,8 +89,13 @@ class TrackIndex {
   static constexpr Number kNoTrack = 0;
   static constexpr Number kMaxToldNumber = 0x3FFFFFFF;  // what a track has room for
 
-  LargeVector<const Track*> trackList_;
+  void addToTable(const Track& track);
+
   TrackTable tracksByNumber_ = {nullptr};
+  // The track list is the end of the table until a track is removed.
+  Number firstOfList_ = 1;
+  bool hasOwnList_ = false;
+  LargeVector<const Track*> ownList_;
   IdMap<Number, 0xFFFFFFFF> tracksById_;
   CategoryIndex genres_{CategoryIndex::Order::kByName};
   CategoryIndex artists_{CategoryIndex::Order::kByName};

@@ -14,7 +14,7 @@ class Arena {
   Arena() = default;
   Arena(const Arena&) = delete;
   Arena& operator=(const Arena&) = delete;
-  ~Arena();
+  ~Arena() { clear(); }
 
   // `size` bytes. `alignment` is a power of two, at most that of std::max_align_t.
   void* allocate(std::size_t size, std::size_t alignment) {
@@ -26,6 +26,12 @@ class Arena {
     return place;
   }
 
+  // Frees a piece before the others. False when it is too small for that.
+  bool giveBack(void* memory);
+
+  // Frees all pieces.
+  void clear();
+
   // A view of a copy of `text`.
   std::string_view keep(std::string_view text);
 
@@ -35,13 +41,17 @@ class Arena {
     std::size_t size;
   };
 
-  void* allocateInNewBlock(std::size_t size);
-  void addBlock(std::size_t size);
+  static constexpr std::size_t kFirstBlock = std::size_t{1} << 14;
 
-  std::vector<Block> blocks_;
-  std::byte* free_ = nullptr;  // the unused part of the last block of the regular size
+  void* allocateInNewBlock(std::size_t size);
+  static std::byte* addBlock(std::vector<Block>& blocks, std::size_t size);
+
+  std::vector<Block> blocks_;       // of many pieces
+  std::vector<Block> singles_;      // of one each
+  std::byte* nextBlock_ = nullptr;  // the last block, when there is nothing in it yet
+  std::byte* free_ = nullptr;       // the unused part of the last block of the regular size
   std::size_t freeSize_ = 0;
-  std::size_t nextSize_ = std::size_t{1} << 14;
+  std::size_t nextSize_ = kFirstBlock;
 };
 
 }  // namespace Orvane

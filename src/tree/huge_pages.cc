@@ -27,15 +27,41 @@ std::size_t roundedUp(std::size_t size) {
   return (size + kHugePageSize - 1) / kHugePageSize * kHugePageSize;
 }
 
-std::byte* map(std::size_t size) {
-  void* const memory =
-      ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-  if (memory == MAP_FAILED) throw std::bad_alloc();
-  return static_cast<std::byte*>(memory);
+// Maps memory, at `place` unless that is nullptr; nullptr when there is none.
+std::byte* map(std::byte* place, std::size_t size) noexcept {
+  void* const memory = ::mmap(place, size, PROT_READ | PROT_WRITE,
+                              MAP_PRIVATE | MAP_ANONYMOUS | (place ? MAP_FIXED : 0), -1, 0);
+  return memory == MAP_FAILED ? nullptr : static_cast<std::byte*>(memory);
 }
 
 void unmap(std::byte* memory, std::size_t size) noexcept {
   if (size > 0) ::munmap(memory, size);
+}
+
+// Memory at a multiple of the size of a large page: only there it can have large pages.
+std::byte* mapLarge(std::size_t size) {
+  // More than is needed: what is before and after goes back.
+  const std::size_t mapped = size + kHugePageSize;
+  std::byte* const begin = map(nullptr, mapped);
+  if (begin == nullptr) throw std::bad_alloc();
+  const std::size_t before =
+      (kHugePageSize - reinterpret_cast<std::uintptr_t>(begin) % kHugePageSize) % kHugePageSize;
+  unmap(begin, before);
+  unmap(begin + before + size, mapped - before - size);
+  // Advice only: where it isn't taken, ordinary pages do.
+  static_cast<void>(::madvise(begin + before, size, MADV_HUGEPAGE));
+  return begin + before;
+}
+
+// Moves a spare piece's pages to where others would have to be made. False when there is no memory
+// at that place any more.
+bool movePages(SpareMemory::Piece piece, std::byte* place) noexcept {
+  if (::mremap(piece.memory, piece.size, piece.size, MREMAP_MAYMOVE | MREMAP_FIXED, place) !=
+      MAP_FAILED) {
+    return true;
+  }
+  unmap(piece.memory, piece.size);
+  return map(place, piece.size) != nullptr;  // the attempt may have taken away what was there
 }
 
 }  // namespace
@@ -44,19 +70,18 @@ void* allocateLarge(std::size_t size) {
   if (!isMapped(size)) return ::operator new(size);
   if (size > PTRDIFF_MAX - 2 * kHugePageSize) throw std::bad_alloc();
 
-  // Only a piece that begins at a multiple of the page size can have large pages: map more than is
-  // needed, and give back what is before and after.
   const std::size_t wanted = roundedUp(size);
-  if (std::byte* const spare = spareMemory().take(wanted)) return spare;
-  const std::size_t mapped = wanted + kHugePageSize;
-  std::byte* const begin = map(mapped);
-  const std::size_t before =
-      (kHugePageSize - reinterpret_cast<std::uintptr_t>(begin) % kHugePageSize) % kHugePageSize;
-  unmap(begin, before);
-  unmap(begin + before + wanted, mapped - before - wanted);
-  // Advice only: where it isn't taken, ordinary pages do.
-  static_cast<void>(::madvise(begin + before, wanted, MADV_HUGEPAGE));
-  return begin + before;
+  std::byte* const memory = mapLarge(wanted);
+  for (std::size_t filled = 0; filled < wanted;) {
+    const SpareMemory::Piece spare = spareMemory().take(wanted - filled);
+    if (spare.size == 0) break;
+    if (!movePages(spare, memory + filled)) {
+      unmap(memory, wanted);
+      throw std::bad_alloc();
+    }
+    filled += spare.size;
+  }
+  return memory;
 }
 
 void makePagesAhead(void* memory, std::size_t size) {
@@ -88,7 +113,7 @@ void keepFreedMemory() noexcept {
 void freeLarge(void* memory, std::size_t size) noexcept {
   if (!isMapped(size)) {
     ::operator delete(memory);
-  } else if (!spareMemory().keep(static_cast<std::byte*>(memory), roundedUp(size))) {
+  } else if (!spareMemory().keep({static_cast<std::byte*>(memory), roundedUp(size)})) {
     unmap(static_cast<std::byte*>(memory), roundedUp(size));
   }
 }

@@ -46,4 +46,10 @@ struct LargeAllocator {
 template <typename T>
 using LargeVector = std::vector<T, LargeAllocator<T>>;
 
+// Frees the memory of a vector, which is empty then: to assign {} would keep it.
+template <typename T>
+void release(LargeVector<T>& vector) {
+  LargeVector<T>().swap(vector);
+}
+
 }  // namespace Orvane

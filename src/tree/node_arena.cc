@@ -3,6 +3,8 @@
 #include <bit>
 #include <new>
 
+#include "tree/huge_pages.h"
+
 namespace Orvane {
 
 NodeArena::NodeArena() {
@@ -36,6 +38,8 @@ MenuNode** NodeArena::makeArray(std::uint32_t capacity) {
 }
 
 void NodeArena::giveBack(MenuNode** array, std::uint32_t capacity) {
+  // There is hardly another menu in the tree that could use a large one, but much elsewhere.
+  if (capacity * sizeof(MenuNode*) >= kHugePageSize && memory_.giveBack(array)) return;
   spareArrays_[static_cast<std::size_t>(std::countr_zero(capacity))].push_back(array);
 }
 

@@ -1,26 +1,24 @@
 #include "tree/spare_memory.h"
 
+#include <algorithm>
+
 namespace Orvane {
 
-std::byte* SpareMemory::take(std::size_t size) {
+SpareMemory::Piece SpareMemory::take(std::size_t size) {
   const std::lock_guard lock(mutex_);
-  Piece* best = nullptr;
-  for (std::size_t i = 0; i < count_; ++i) {
-    Piece& piece = pieces_[i];
-    if (piece.size >= size && (best == nullptr || piece.size < best->size)) best = &piece;
-  }
-  if (best == nullptr) return nullptr;
-  std::byte* const memory = best->memory;
-  best->memory += size;
-  best->size -= size;
-  if (best->size == 0) *best = pieces_[--count_];
-  return memory;
+  if (count_ == 0) return {};
+  Piece& last = pieces_[count_ - 1];
+  const Piece taken = {last.memory, std::min(last.size, size)};
+  last.memory += taken.size;
+  last.size -= taken.size;
+  if (last.size == 0) --count_;
+  return taken;
 }
 
-bool SpareMemory::keep(std::byte* memory, std::size_t size) {
+bool SpareMemory::keep(Piece piece) {
   const std::lock_guard lock(mutex_);
   if (count_ == pieces_.size()) return false;
-  pieces_[count_++] = {memory, size};
+  pieces_[count_++] = piece;
   return true;
 }
 

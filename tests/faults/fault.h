@@ -15,7 +15,8 @@ enum class Effect : std::uint8_t {
 
 // The one fault of this process, as the environment describes it:
 //   FAULT_CALL      what it befalls: open, read, write, close or fstat of a file; new (memory by
-//                   any operator new), mmap (memory straight from the system)
+//                   any operator new), mmap (memory straight from the system, or
+//                   moved)
 //   FAULT_PATH      the file, as it is named when it is opened
 //   FAULT_NTH       which of these calls, counted from 1; with 0 they are only counted
 //   FAULT_ONWARD    1: all later ones too

@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <cstdarg>
 #include <cstddef>
 #include <new>
 
@@ -85,6 +86,22 @@ void* mmap(void* address, std::size_t length, int protection, int flags, int fil
     return MAP_FAILED;
   }
   return real(address, length, protection, flags, file, offset);
+}
+
+// Only as the program calls it, with a place to move to, which a refusal may leave without memory.
+void* mremap(void* address, std::size_t length, std::size_t newLength, int flags, ...) noexcept {
+  static const auto real =
+      realFunction<void*(void*, std::size_t, std::size_t, int, void*)>("mremap");
+  std::va_list more;
+  va_start(more, flags);
+  void* const place = va_arg(more, void*);
+  va_end(more);
+  if (isRefused("mmap")) {
+    ::munmap(place, newLength);
+    errno = ENOMEM;
+    return MAP_FAILED;
+  }
+  return real(address, length, newLength, flags, place);
 }
 
 int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*start)(void*),

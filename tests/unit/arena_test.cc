@@ -50,6 +50,41 @@ TEST(Arena, EmptyTextStaysEmpty) {
   EXPECT_TRUE(arena.keep({}).empty());
 }
 
+TEST(Arena, GivesBackOnlyWhatHasMemoryOfItsOwn) {
+  Arena arena;
+  const std::string_view before = arena.keep("before");
+  void* const small = arena.allocate(8, 8);
+  void* const first = arena.allocate(std::size_t{1} << 22, 8);
+  auto* const second = static_cast<char*>(arena.allocate(std::size_t{1} << 22, 8));
+  second[0] = 'x';
+  EXPECT_FALSE(arena.giveBack(small));
+  EXPECT_TRUE(arena.giveBack(first));
+  EXPECT_FALSE(arena.giveBack(first));
+  EXPECT_EQ(arena.keep(" after"), " after");
+  EXPECT_EQ(before, "before");
+  EXPECT_EQ(second[0], 'x');
+  EXPECT_TRUE(arena.giveBack(second));
+}
+
+// As after many large blocks, of which the next is had before it is needed.
+TEST(Arena, StartsAnewWhenCleared) {
+  Arena arena;
+  constexpr std::size_t kPiece = std::size_t{1} << 20;
+  for (int round = 0; round < 2; ++round) {
+    std::vector<std::uint8_t*> pieces;
+    for (std::uint8_t i = 0; i < 100; ++i) {
+      pieces.push_back(static_cast<std::uint8_t*>(arena.allocate(kPiece, 1)));
+      pieces.back()[0] = pieces.back()[kPiece - 1] = i;
+    }
+    for (std::uint8_t i = 0; i < 100; ++i) {
+      EXPECT_EQ(pieces[i][0], i);
+      EXPECT_EQ(pieces[i][kPiece - 1], i);
+    }
+    arena.clear();
+    EXPECT_EQ(arena.keep("anew"), "anew");
+  }
+}
+
 TEST(Arena, PiecesAreAlignedAndApart) {
   Arena arena;
   struct Piece {

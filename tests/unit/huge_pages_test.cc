@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <new>
 #include <vector>
 
@@ -23,6 +25,26 @@ TEST(HugePages, GivesMemoryOfEverySize) {
     }
     freeLarge(bytes, size);
   }
+}
+
+// Pages are told by what is on them: nobody clears what was freed.
+TEST(HugePages, UsesThePagesOfWhatWasFreedForOthersOfAnySize) {
+  constexpr std::size_t kSize = 2 * kHugePageSize;
+  constexpr char kMark = 'm';
+  void* const one = allocateLarge(kSize);
+  void* const other = allocateLarge(kSize);
+  std::memset(one, kMark, kSize);
+  std::memset(other, kMark, kSize);
+  freeLarge(one, kSize);
+  freeLarge(other, kSize);
+  auto* const both = static_cast<char*>(allocateLarge(3 * kHugePageSize));
+  auto* const rest = static_cast<char*>(allocateLarge(3 * kHugePageSize));
+  EXPECT_EQ(std::count(both, both + 3 * kHugePageSize, kMark), 3 * kHugePageSize);
+  EXPECT_EQ(std::count(rest, rest + 3 * kHugePageSize, kMark), kHugePageSize);
+  std::memset(both, 0, 3 * kHugePageSize);
+  std::memset(rest, 0, 3 * kHugePageSize);
+  freeLarge(both, 3 * kHugePageSize);
+  freeLarge(rest, 3 * kHugePageSize);
 }
 
 TEST(HugePages, RefusesWhatNoMachineHas) {

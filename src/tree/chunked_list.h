@@ -1,0 +1,59 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <type_traits>
+#include <vector>
+
+#include "tree/arena.h"
+
+namespace Orvane {
+
+// A sequence that is only appended to and gone through in order. It never moves what it holds:
+// growing touches no memory twice.
+template <typename T>
+class ChunkedList {
+  static_assert(std::is_trivial_v<T>);
+
+ public:
+  void push_back(const T& value) {
+    const std::size_t place = size_ % kChunkSize;
+    if (place == 0) addChunk();
+    (*chunks_.back())[place] = value;
+    ++size_;
+  }
+
+  std::size_t size() const { return size_; }
+
+  // Calls `use` with each value in order.
+  template <typename Use>
+  void forEach(Use use) const {
+    std::size_t left = size_;
+    for (const Chunk* const chunk : chunks_) {
+      const std::size_t count = left < kChunkSize ? left : kChunkSize;
+      for (std::size_t i = 0; i < count; ++i) use((*chunk)[i]);
+      left -= count;
+    }
+  }
+
+  void clear() {
+    chunks_.clear();
+    memory_.clear();
+    size_ = 0;
+  }
+
+ private:
+  static constexpr std::size_t kChunkSize = 2048 / sizeof(T);
+  using Chunk = std::array<T, kChunkSize>;
+
+  void addChunk() {
+    chunks_.push_back(nullptr);
+    chunks_.back() = static_cast<Chunk*>(memory_.allocate(sizeof(Chunk), alignof(Chunk)));
+  }
+
+  Arena memory_;
+  std::vector<Chunk*> chunks_;
+  std::size_t size_ = 0;
+};
+
+}  // namespace Orvane
