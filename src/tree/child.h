@@ -7,10 +7,10 @@ namespace Orvane {
 
 class MenuNode;
 
-// What a place in a node's children holds: a node, or the number of a track in the tree's
-// TrackTable. A number stands for a fresh leaf of that track. Of a million tracks' leaves hardly
-// any is ever asked for as a node: as a number it takes 8 bytes instead of 32, and most of what is
-// done with it takes no look elsewhere.
+// A child of a node: another node, or the number of a track in the tree's TrackTable, which stands
+// for a fresh leaf of that track. Of a million tracks' leaves hardly any is ever asked for as a
+// node: as numbers they take 4 bytes each instead of 32, and most of what is done with them takes
+// no look elsewhere.
 class Child {
  public:
   explicit Child(MenuNode* node) : place_(node) {}
@@ -24,13 +24,10 @@ class Child {
   MenuNode* node() const { return place_; }  // only if isNode()
   std::uint32_t trackNumber() const { return static_cast<std::uint32_t>(bits() >> 1); }
 
-  // The value that stands in the place: a node's address is even.
-  MenuNode* place() const { return place_; }
-
  private:
   std::uintptr_t bits() const { return std::bit_cast<std::uintptr_t>(place_); }
 
-  MenuNode* place_;
+  MenuNode* place_;  // a node's address is even
 };
 
 }  // namespace Orvane

@@ -8,7 +8,7 @@
 namespace Orvane {
 
 MenuNode::MenuNode() {
-  static Branch plain{.isShared = true};
+  static Branch plain(nullptr, true);
   branch_ = &plain;
 }
 
@@ -175,13 +175,15 @@ void MenuNode::setAll(std::uint32_t nodeType, std::uint32_t mediaId, std::string
   setAttribMask(attribMask);
 }
 
+// Makes room for one more child that is a node.
 void MenuNode::growChildren() {
+  if (branch_->hasNumbers) makeNodesOfNumbers();
   Branch& branch = ownBranch();
   if (branch.count < branch.capacity) return;
   // Many menus have one child only, hardly any has two or three.
   const std::uint32_t capacity = branch.capacity == 0 ? 1 : std::max(4U, 2 * branch.capacity);
   NodeArena* const arena = branch.arena;
-  MenuNode** const grown = arena ? arena->makeArray(capacity) : new MenuNode*[capacity];
+  auto** const grown = arena ? arena->makeArray<MenuNode*>(capacity) : new MenuNode*[capacity];
   std::copy(branch.children, branch.children + branch.count, grown);
   if (arena == nullptr) {
     delete[] branch.children;
@@ -189,6 +191,18 @@ void MenuNode::growChildren() {
     arena->giveBack(branch.children, branch.capacity);
   }
   branch.children = grown;
+  branch.capacity = capacity;
+}
+
+// The same for one that is a number, where there are only such.
+void MenuNode::growNumbers() {
+  Branch& branch = ownBranch();
+  if (branch.count < branch.capacity) return;
+  const std::uint32_t capacity = std::max(2U, 2 * branch.capacity);
+  auto* const grown = branch.arena->makeArray<std::uint32_t>(capacity);
+  std::copy(branch.numbers, branch.numbers + branch.count, grown);
+  if (branch.capacity > 0) branch.arena->giveBack(branch.numbers, branch.capacity);
+  branch.numbers = grown;
   branch.capacity = capacity;
 }
 
@@ -206,31 +220,34 @@ bool MenuNode::addChild(std::unique_ptr<MenuNode> child) {
 }
 
 void MenuNode::appendLeaf(const TrackTable& tracks, std::uint32_t number) {
-  if (getTrackTable() != &tracks) {
+  const bool hasNodes = !branch_->hasNumbers && branch_->count > 0;
+  if (hasNodes || getTrackTable() != &tracks) {
     appendChild([&](MenuNode& leaf) { leaf.becomeLeafOf(*tracks[number]); });
     return;
   }
-  growChildren();
+  growNumbers();
   branch_->hasNumbers = true;
   branch_->arena->countLeaf();
-  link(Child::ofTrack(number).place());
+  branch_->numbers[branch_->count++] = number;
 }
 
 const TrackTable* MenuNode::getTrackTable() const {
   return branch_->arena == nullptr ? nullptr : branch_->arena->getTrackTable();
 }
 
-// When memory runs out on the way, the rest are still numbers.
+// When memory runs out on the way, all are still numbers.
 void MenuNode::makeNodesOfNumbers() const {
-  NodeArena& arena = *branch_->arena;
-  for (std::size_t i = 0; i < branch_->count; ++i) {
-    const Child child = childAt(i);
-    if (child.isNode()) continue;
-    MenuNode* const leaf = arena.makeOfNumber();
-    leaf->becomeLeafOf(*(*arena.getTrackTable())[child.trackNumber()]);
-    branch_->children[i] = leaf;
+  Branch& branch = *branch_;
+  NodeArena& arena = *branch.arena;
+  const TrackTable& tracks = *arena.getTrackTable();
+  auto** const nodes = arena.makeArray<MenuNode*>(branch.capacity);
+  for (std::size_t i = 0; i < branch.count; ++i) {
+    nodes[i] = arena.makeOfNumber();
+    nodes[i]->becomeLeafOf(*tracks[branch.numbers[i]]);
   }
-  branch_->hasNumbers = false;
+  arena.giveBack(branch.numbers, branch.capacity);
+  branch.children = nodes;
+  branch.hasNumbers = false;
 }
 
 MenuNode* MenuNode::makeChild() {

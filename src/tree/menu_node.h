@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string_view>
 
 #include "tree/child.h"
@@ -147,7 +148,7 @@ class MenuNode {
   }
 
   // Appends a leaf of the track with that number in the table: just the number if the table is that
-  // of the node's tree, otherwise a node.
+  // of the node's tree and all other children are numbers, too; otherwise a node.
   void appendLeaf(const TrackTable& tracks, std::uint32_t number);
 
   // The table in which the numbers among the children are looked up, here and beneath; nullptr when
@@ -156,14 +157,21 @@ class MenuNode {
 
   std::size_t childCount() const { return branch_->count; }
 
-  // A child as it stands there, and putting another in its place, whose ownership stays as it is:
-  // for putting children in order. Neither makes nodes.
-  Child childAt(std::size_t index) const { return Child(branch_->children[index]); }
-  void setChildAt(std::size_t index, Child child) { branch_->children[index] = child.place(); }
+  // A child as it stands there. Makes no node.
+  Child childAt(std::size_t index) const {
+    return branch_->hasNumbers ? Child::ofTrack(branch_->numbers[index])
+                               : Child(branch_->children[index]);
+  }
 
-  // Positions are those of nodes: what are numbers among the children becomes nodes first, for
-  // which memory may run out, and which two threads must not do at once. So it does in all that
-  // follows.
+  // The children when they are numbers, which may be put in another order; else nothing. Good until
+  // one is appended or asked for as a node.
+  std::span<std::uint32_t> trackNumbers() {
+    if (!branch_->hasNumbers) return {};
+    return {branch_->numbers, branch_->count};
+  }
+
+  // Positions are those of nodes: children that are numbers become nodes first, for which memory
+  // may run out, and which two threads must not do at once. So it is in all that follows.
   Position childrenBegin() { return nodesOfChildren(); }
   Position childrenEnd() { return nodesOfChildren() + branch_->count; }
   ConstPosition childrenBegin() const { return nodesOfChildren(); }
@@ -200,15 +208,21 @@ class MenuNode {
   // What a node has beyond the 24 bytes. Nodes that need nothing of it share one without contents,
   // the arena's or, outside arenas, a static one.
   struct Branch {
+    explicit Branch(NodeArena* where = nullptr, bool isForMany = false)
+        : arena(where), isShared(isForMany) {}
+
     Rare* rare = nullptr;
-    NodeArena* arena = nullptr;  // where the node lives; nullptr for one that stands alone
-    MenuNode** children = nullptr;
+    NodeArena* arena;  // where the node lives; nullptr for one that stands alone
+    union {
+      MenuNode** children = nullptr;
+      std::uint32_t* numbers;  // if hasNumbers: of the tracks whose leaves the children are
+    };
     MenuNode* parent = nullptr;  // the way back up while a subtree is being freed
     std::uint32_t count = 0;
-    std::uint32_t capacity = 0;
+    std::uint32_t capacity = 0;  // of whichever array it is
     std::uint32_t cursor = 0;
-    bool isShared = false;
-    bool hasNumbers = false;  // some children are numbers of tracks
+    bool isShared;
+    bool hasNumbers = false;
   };
 
   static constexpr std::uint8_t kWide = 0xFF;
@@ -234,6 +248,7 @@ class MenuNode {
   void discardChild(MenuNode* child);
   void link(MenuNode* child) { branch_->children[branch_->count++] = child; }
   void growChildren();
+  void growNumbers();
   Position nodesOfChildren() const {
     if (branch_->hasNumbers) makeNodesOfNumbers();
     return branch_->children;

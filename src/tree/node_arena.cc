@@ -7,11 +7,6 @@
 
 namespace Orvane {
 
-NodeArena::NodeArena() {
-  plain_.arena = this;
-  plain_.isShared = true;
-}
-
 MenuNode* NodeArena::make() {
   ++nodeCount_;
   return new (memory_.allocate(sizeof(MenuNode), alignof(MenuNode))) MenuNode(&plain_);
@@ -19,28 +14,25 @@ MenuNode* NodeArena::make() {
 
 MenuNode::Branch* NodeArena::makeBranch() {
   void* const place = memory_.allocate(sizeof(MenuNode::Branch), alignof(MenuNode::Branch));
-  return new (place) MenuNode::Branch{.arena = this};
+  return new (place) MenuNode::Branch(this);
 }
 
 MenuNode::Rare* NodeArena::makeRare() {
   return new (memory_.allocate(sizeof(MenuNode::Rare), alignof(MenuNode::Rare))) MenuNode::Rare();
 }
 
-MenuNode** NodeArena::makeArray(std::uint32_t capacity) {
-  auto& spare = spareArrays_[static_cast<std::size_t>(std::countr_zero(capacity))];
-  if (!spare.empty()) {
-    MenuNode** const array = spare.back();
-    spare.pop_back();
-    return array;
-  }
-  return static_cast<MenuNode**>(
-      memory_.allocate(capacity * sizeof(MenuNode*), alignof(MenuNode*)));
+void* NodeArena::makeArrayOfBytes(std::size_t size) {
+  auto& spare = spareArrays_[static_cast<std::size_t>(std::countr_zero(size))];
+  if (spare.empty()) return memory_.allocate(size, alignof(MenuNode*));
+  void* const array = spare.back();
+  spare.pop_back();
+  return array;
 }
 
-void NodeArena::giveBack(MenuNode** array, std::uint32_t capacity) {
+void NodeArena::giveBackArray(void* array, std::size_t size) {
   // There is hardly another menu in the tree that could use a large one, but much elsewhere.
-  if (capacity * sizeof(MenuNode*) >= kHugePageSize && memory_.giveBack(array)) return;
-  spareArrays_[static_cast<std::size_t>(std::countr_zero(capacity))].push_back(array);
+  if (size >= kHugePageSize && memory_.giveBack(array)) return;
+  spareArrays_[static_cast<std::size_t>(std::countr_zero(size))].push_back(array);
 }
 
 }  // namespace Orvane

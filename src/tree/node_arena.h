@@ -15,8 +15,6 @@ namespace Orvane {
 // looking at any.
 class NodeArena {
  public:
-  NodeArena();
-
   // A fresh node. It, its name and its children belong to the arena.
   MenuNode* make();
 
@@ -46,15 +44,23 @@ class NodeArena {
   MenuNode::Branch* makeBranch();
   MenuNode::Rare* makeRare();
 
-  // Arrays of a power of two of pointers; those given back are used again.
-  MenuNode** makeArray(std::uint32_t capacity);
-  void giveBack(MenuNode** array, std::uint32_t capacity);
+  // Arrays of a power of two of elements; those given back are used again.
+  template <typename T>
+  T* makeArray(std::uint32_t capacity) {
+    return static_cast<T*>(makeArrayOfBytes(capacity * sizeof(T)));
+  }
+  template <typename T>
+  void giveBack(T* array, std::uint32_t capacity) {
+    giveBackArray(array, capacity * sizeof(T));
+  }
+  void* makeArrayOfBytes(std::size_t size);
+  void giveBackArray(void* array, std::size_t size);
 
   Arena memory_;
   std::size_t nodeCount_ = 0;
   const TrackTable* tracks_ = nullptr;
-  std::array<std::vector<MenuNode**>, 32> spareArrays_;  // by the capacity's power of two
-  MenuNode::Branch plain_;                               // stands for that of a node without any
+  std::array<std::vector<void*>, 64> spareArrays_;         // by the size's power of two
+  MenuNode::Branch plain_ = MenuNode::Branch(this, true);  // stands for that of a node without any
   std::vector<std::unique_ptr<MenuNode>> adopted_;
 };
 

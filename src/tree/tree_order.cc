@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 #include <numeric>
+#include <span>
 #include <vector>
 
 #include "tree/huge_pages.h"
@@ -32,11 +33,11 @@ class RankSorter {
   explicit RankSorter(const NameRanks& ranks) : ranks_(&ranks) {}
 
   void sort(MenuNode& menu) {
-    ranked_.resize(menu.childCount());
-    for (std::size_t i = 0; i < ranked_.size(); ++i) {
-      const std::uint32_t track = menu.childAt(i).trackNumber();
-      ranked_[i] = {(*ranks_)[track], track};
-    }
+    const std::span<std::uint32_t> tracks = menu.trackNumbers();
+    ranked_.resize(tracks.size());
+    std::transform(tracks.begin(), tracks.end(), ranked_.begin(), [this](std::uint32_t track) {
+      return Ranked{(*ranks_)[track], track};
+    });
     // Without equal names there is but one order, and it doesn't matter how it is found.
     if (ranked_.size() >= kWorthDistributing && allDiffer()) {
       distribute();
@@ -44,9 +45,8 @@ class RankSorter {
       std::sort(ranked_.begin(), ranked_.end(),
                 [](const Ranked& a, const Ranked& b) { return a.rank < b.rank; });
     }
-    for (std::size_t i = 0; i < ranked_.size(); ++i) {
-      menu.setChildAt(i, Child::ofTrack(ranked_[i].track));
-    }
+    std::transform(ranked_.begin(), ranked_.end(), tracks.begin(),
+                   [](const Ranked& entry) { return entry.track; });
   }
 
  private:
@@ -98,39 +98,28 @@ class ChildSorter {
 
   // Has to see all menus, before any is sorted.
   void add(MenuNode& menu) {
-    bool ranked = true;
-    for (std::size_t i = 0; i < menu.childCount(); ++i) {
-      const Child child = menu.childAt(i);
-      ranked = ranked && !child.isNode();
-      if (!child.isNode()) isWanted_[child.trackNumber()] = true;
-    }
-    if (!ranked) menu.childrenBegin();  // makes nodes of all, which workers can't do side by side
-    menus_.push_back({&menu, ranked});
+    for (const std::uint32_t track : menu.trackNumbers()) isWanted_[track] = true;
+    menus_.push_back(&menu);
     childCount_ += menu.childCount();
   }
 
   void sortAll() {
     rankTitles();
     // The largest first, so that no worker is left with one at the end.
-    std::sort(menus_.begin(), menus_.end(), [](const Menu& a, const Menu& b) {
-      return a.node->childCount() > b.node->childCount();
+    std::sort(menus_.begin(), menus_.end(), [](const MenuNode* a, const MenuNode* b) {
+      return a->childCount() > b->childCount();
     });
     std::vector<RankSorter> sorters(workersFor(childCount_), RankSorter(ranks_));
     forEachInParallel(menus_.size(), sorters.size(), [&](std::size_t i, std::size_t worker) {
-      if (menus_[i].isRanked) {
-        sorters[worker].sort(*menus_[i].node);
+      if (menus_[i]->trackNumbers().empty()) {
+        sortByName(*menus_[i]);
       } else {
-        sortByName(*menus_[i].node);
+        sorters[worker].sort(*menus_[i]);
       }
     });
   }
 
  private:
-  struct Menu {
-    MenuNode* node;
-    bool isRanked;
-  };
-
   // Track after track, since that is how they and their titles stand in memory.
   void rankTitles() {
     const auto count = std::count(isWanted_.begin(), isWanted_.end(), true);
@@ -170,7 +159,7 @@ class ChildSorter {
   const TrackTable* tracks_;
   std::vector<bool> isWanted_;  // by track: the rank of its title is needed
   NameRanks ranks_;             // of titles, by track
-  LargeVector<Menu> menus_;
+  LargeVector<MenuNode*> menus_;
   std::size_t childCount_ = 0;  // of all of them
 };
 
@@ -183,9 +172,9 @@ void MenuTree::sortTree(MenuNode* node) {
   while (!menus.empty()) {
     MenuNode& menu = *menus.back();
     menus.pop_back();
-    for (std::size_t i = 0; i < menu.childCount(); ++i) {
-      if (!menu.childAt(i).isNode()) continue;
-      MenuNode& child = *menu.childAt(i).node();
+    if (!menu.trackNumbers().empty()) continue;
+    for (auto place = menu.childrenBegin(); place != menu.childrenEnd(); ++place) {
+      MenuNode& child = **place;
       if (child.childCount() == 0) continue;
       if (hasSortedChildren(child)) sorter.add(child);
       if (child.getNodeType() != NODE_TYPE_MEDIA) menus.push_back(&child);

@@ -95,12 +95,12 @@ TEST(MenuTree, SubtreesApartArePartOfTheTree) {
   EXPECT_EQ(test::describeNode(apart), "0 0 '' 0 0 0");
   apart.setName("apart");
   apart.appendLeaf(tracks, 1);
+  EXPECT_FALSE(apart.childAt(0).isNode());
   test::addMedia(apart, 6, "adopted");
   EXPECT_EQ(tree.nodeCountHint(), 3U);
   ASSERT_EQ(tree.getRoot()->childCount(), 2U);
   EXPECT_EQ(tree.getRoot()->childrenBegin()[1], &apart);
   EXPECT_EQ(apart.getTrackTable(), &tracks);
-  EXPECT_FALSE(apart.childAt(0).isNode());
   EXPECT_EQ(test::describeNode(**apart.childrenBegin()), "2 5 'title' 0 0 0");
 }
 

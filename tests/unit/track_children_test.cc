@@ -53,11 +53,11 @@ std::vector<std::string> describeChildren(MenuNode& menu) {
 
 TEST_F(TrackChildren, AreNumbersUntilSomebodyLooks) {
   root_.appendLeaf(tracks_, addTrack(7, "seven"));
-  addMedia(root_, 8, "eight");
+  root_.appendLeaf(tracks_, addTrack(8, "eight"));
   ASSERT_EQ(root_.childCount(), 2U);
   ASSERT_FALSE(root_.childAt(0).isNode());
   EXPECT_EQ(root_.childAt(0).trackNumber(), 1U);
-  EXPECT_TRUE(root_.childAt(1).isNode());
+  EXPECT_THAT(root_.trackNumbers(), ElementsAre(1U, 2U));
 
   EXPECT_THAT(describeChildren(root_), ElementsAre("2 7 'seven' 0 0 0", "2 8 'eight' 0 0 0"));
   ASSERT_TRUE(root_.childAt(0).isNode());
@@ -66,36 +66,60 @@ TEST_F(TrackChildren, AreNumbersUntilSomebodyLooks) {
   EXPECT_EQ(root_.childrenBegin() + 2, root_.childrenEnd());
 }
 
+TEST_F(TrackChildren, AreNodesBesideNodes) {
+  root_.appendLeaf(tracks_, addTrack(7, "seven"));
+  addMedia(root_, 8, "eight");
+  EXPECT_TRUE(root_.childAt(0).isNode());
+  root_.appendLeaf(tracks_, addTrack(9, "nine"));
+  EXPECT_TRUE(root_.childAt(2).isNode());
+  EXPECT_TRUE(root_.trackNumbers().empty());
+  EXPECT_THAT(describeChildren(root_),
+              ElementsAre("2 7 'seven' 0 0 0", "2 8 'eight' 0 0 0", "2 9 'nine' 0 0 0"));
+}
+
+// Large arrays leave the tree as they are outgrown, small ones serve other menus.
+TEST_F(TrackChildren, AreAsManyAsWanted) {
+  constexpr std::uint32_t kLeaves = 1'100'000;
+  addTrack(7, "seven");
+  addTrack(8, "eight");
+  for (std::uint32_t i = 0; i < kLeaves; ++i) root_.appendLeaf(tracks_, 1 + i % 2);
+  ASSERT_EQ(root_.childCount(), kLeaves);
+  for (std::uint32_t i = 0; i < kLeaves; ++i) ASSERT_EQ(root_.trackNumbers()[i], 1 + i % 2);
+  for (std::uint32_t i = 0; i < kLeaves; ++i) {
+    ASSERT_EQ(root_.childrenBegin()[i]->getMediaId(), 7 + i % 2);
+  }
+}
+
 TEST_F(TrackChildren, EveryWayToLookMakesNodes) {
   const std::uint32_t number = addTrack(7, "seven");
   MenuNode wanted;
   wanted.becomeLeafOf(store_[0]);
   MenuNode::Position position = nullptr;
-  const MenuNode& constRoot = root_;
   for (int way = 0; way < 6; ++way) {
-    root_.appendLeaf(tracks_, number);
-    const std::size_t last = root_.childCount() - 1;
-    ASSERT_FALSE(root_.childAt(last).isNode());
+    MenuNode& menu = root_.appendChild([](MenuNode&) {});
+    const MenuNode& constMenu = menu;
+    menu.appendLeaf(tracks_, number);
+    ASSERT_FALSE(menu.childAt(0).isNode());
     switch (way) {
       case 0:
-        EXPECT_TRUE(root_.findChildByName(position, "seven"));
+        EXPECT_TRUE(menu.findChildByName(position, "seven"));
         break;
       case 1:
-        EXPECT_TRUE(root_.findChildByNameAndMediaId(position, "seven", 7));
+        EXPECT_TRUE(menu.findChildByNameAndMediaId(position, "seven", 7));
         break;
       case 2:
-        EXPECT_EQ(root_.findMatchingChild(wanted), root_.childAt(0).node());
+        EXPECT_EQ(menu.findMatchingChild(wanted)->getName(), "seven");
         break;
       case 3:
-        root_.nextChild();
+        menu.nextChild();
         break;
       case 4:
-        EXPECT_EQ(constRoot.childrenBegin()[last]->getName(), "seven");
+        EXPECT_EQ(constMenu.childrenBegin()[0]->getName(), "seven");
         break;
       default:
-        EXPECT_EQ(constRoot.childrenEnd()[-1]->getName(), "seven");
+        EXPECT_EQ(constMenu.childrenEnd()[-1]->getName(), "seven");
     }
-    EXPECT_TRUE(root_.childAt(last).isNode()) << way;
+    EXPECT_TRUE(menu.childAt(0).isNode()) << way;
   }
 }
 
