@@ -7,9 +7,9 @@
 #include <string_view>
 #include <vector>
 
+#include "inventory/category_entries.h"
 #include "inventory/id_map.h"
 #include "tree/arena.h"
-#include "tree/chunked_list.h"
 #include "tree/huge_pages.h"
 #include "tree/prefetch.h"
 
@@ -73,45 +73,6 @@ class CategoryIndex {
     std::string_view folded() const { return {foldedBytes, foldedBytes == nullptr ? 0 : size}; }
   };
 
-  // Entries as they came, whose tracks mostly count up: the names alone take half the memory.
-  class Entries {
-   public:
-    void add(std::uint32_t name, std::uint32_t track) {
-      if (runs_.empty() || track != nextTrack_) runs_.push_back({names_.size(), track});
-      names_.push_back(name);
-      nextTrack_ = track + 1;
-    }
-
-    // Calls use(name, track) for each, in order.
-    template <typename Use>
-    void forEach(Use use) const {
-      auto run = runs_.begin();
-      std::size_t at = 0;
-      std::uint32_t track = 0;
-      names_.forEach([&](std::uint32_t name) {
-        if (run != runs_.end() && run->begin == at++) track = (run++)->track;
-        use(name, track++);
-      });
-    }
-
-    std::size_t size() const { return names_.size(); }
-    void clear() {
-      names_.clear();
-      release(runs_);
-    }
-
-   private:
-    // Entries of tracks that count up.
-    struct Run {
-      std::size_t begin;
-      std::uint32_t track;  // of the first
-    };
-
-    ChunkedList<std::uint32_t> names_;  // positions in the index's names_
-    LargeVector<Run> runs_;
-    std::uint32_t nextTrack_ = 0;
-  };
-
   // Compares positions in names_ by what the names are at the time of the comparison.
   struct ByLiveName {
     const CategoryIndex* index;
@@ -135,7 +96,7 @@ class CategoryIndex {
   Arena foldedNames_;
 
   // Either all entries as they came, or, once that doesn't determine their order, all in place.
-  Entries entries_;
+  CategoryEntries entries_;
   std::unique_ptr<Placed> placed_;
 };
 
