@@ -15,9 +15,10 @@ const OVTSErrorInitializer kInitializer;
 OVTSError::OVTSError(std::int32_t code) : code_(code) {}
 
 std::string OVTSError::getMessage() const {
-  const bool known = code_ >= 0 && static_cast<std::size_t>(code_) < messages.size();
+  // A code below 0 becomes a number beyond every table.
+  const auto number = static_cast<std::size_t>(code_);
   const std::string text =
-      known ? messages[static_cast<std::size_t>(code_)] : std::string("Undefined Error Code ");
+      number < messages.size() ? messages[number] : std::string("Undefined Error Code ");
   return text + ":  " + detail;
 }
 

@@ -35,7 +35,6 @@ std::string_view kindName(std::uint8_t kind) {
 
 Annotation::Annotation(const TreeIndex& index, AnnotationSink& sink)
     : index_(index), view_(index.view()), path_(view_, index.parents()), sink_(sink) {
-  if (view_.layout() == Layout::kOneTable) return;
   firstUser_.assign(view_.dataCount(), kNoRecord);
   for (std::uint32_t i = 0; i < view_.recordCount(); ++i) {
     const std::uint32_t dataIndex = view_.links(i).dataIndex;
@@ -81,12 +80,10 @@ void Annotation::descriptor(std::size_t table) {
 }
 
 void Annotation::tables() {
-  if (view_.tableCount() == 2 && view_.tableOffset(1) < view_.tableOffset(0)) {
-    table(1);
-    table(0);
-    return;
-  }
-  for (std::size_t which = 0; which < view_.tableCount(); ++which) table(which);
+  // Where there is one table, the second has no records.
+  const bool turnedAround = view_.tableOffset(1) < view_.tableOffset(0);
+  table(turnedAround ? 1 : 0);
+  table(turnedAround ? 0 : 1);
 }
 
 void Annotation::table(std::size_t which) {
@@ -103,9 +100,11 @@ void Annotation::table(std::size_t which) {
     }
     std::string title = "data record " + std::to_string(number);
     const std::uint32_t user = firstUser_[number];
-    title += user == kNoRecord
-                 ? ", used by no record"
-                 : ", of record " + std::to_string(user) + " (" + path_.of(user) + ")";
+    if (user == kNoRecord) {
+      title += ", used by no record";
+    } else {
+      title += ", of record " + std::to_string(user) + " (" + path_.of(user) + ")";
+    }
     sink_.section(title);
     item(at_, view_.item(number));
   }
@@ -144,8 +143,7 @@ void Annotation::item(std::uint64_t offset, ItemView item) {
   field(4, "mediaId", std::to_string(item.mediaId()));
   const std::string_view all = item.nameField();
   const std::string_view name = item.name();
-  const std::size_t last = all.find_last_not_of('\0');
-  const std::size_t used = last == std::string_view::npos ? 0 : last + 1;
+  const std::size_t used = all.find_last_not_of('\0') + 1;  // 0 if nothing is found
   if (!name.empty()) field(name.size(), "name", quoted(name));
   if (used > name.size())
     field(used - name.size(), "name tail", quoted(all.substr(name.size(), used - name.size())));

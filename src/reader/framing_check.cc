@@ -1,6 +1,7 @@
 #include "reader/framing_check.h"
 
 #include <algorithm>
+#include <array>
 
 namespace Orvane {
 namespace {
@@ -60,16 +61,16 @@ class FramingCheck {
   void checkDescriptor(std::size_t table, const DescriptorFields& found) {
     const std::uint64_t at = kFileHeaderSize + table * kTableDescriptorSize;
     const std::uint8_t subject = subjectOf(table);
-    TableKind kind = table == 0 ? TableKind::kTree : TableKind::kData;
+    constexpr std::array kKinds = {TableKind::kTree, TableKind::kData, TableKind::kCombined};
     std::uint64_t offset = prefix();
-    if (view_.layout() == Layout::kOneTable) kind = TableKind::kCombined;
     // Offsets are 32 bits wide also where the table lies further on.
     if (table == 1) {
       offset = prefix() + std::uint64_t{view_.statedCount(0)} * kTreeRecordSize;
       const auto lowHalf = static_cast<std::uint32_t>(offset);
       if (found.offset == lowHalf || offset <= size()) offset = lowHalf;
     }
-    expect(Rule::kDescriptorConstant, at, found.kind, static_cast<std::uint8_t>(kind), subject, 0);
+    expect(Rule::kDescriptorConstant, at, found.kind, static_cast<std::uint8_t>(kKinds[subject]),
+           subject, 0);
     expect(Rule::kDescriptorConstant, at + 1, found.version, kTableDescriptorVersion, subject, 1);
     expect(Rule::kDescriptorConstant, at + 2, found.reserved, 0, subject, 2);
     expect(Rule::kTableOffset, at + 4, found.offset, offset, subject);
@@ -85,7 +86,7 @@ class FramingCheck {
   }
 
   void checkOverlap() {
-    if (view_.tableCount() != 2 || !view_.descriptor(1)) return;
+    // A second table that isn't there begins no later than the first one.
     const std::uint64_t dataBegin = view_.tableOffset(1);
     if (view_.tableOffset(0) >= dataBegin || statedEnd(0) <= dataBegin) return;
     if (dataBegin >= size() && statedEnd(1) == dataBegin) return;
@@ -106,14 +107,10 @@ class FramingCheck {
       report(finding);
       return;
     }
-    std::uint64_t end = 0;
-    for (std::size_t table = 0; table < view_.tableCount(); ++table) {
-      end = std::max(end, statedEnd(table));
-    }
+    std::uint64_t end = std::max(statedEnd(0), statedEnd(1));
     for (std::size_t table = 0; table < view_.tableCount(); ++table) {
       // Where the tree table would run into the data table, that has been said.
-      const bool last = table + 1 == view_.tableCount();
-      const bool overlaps = !last && view_.tableOffset(table) < view_.tableOffset(1) &&
+      const bool overlaps = view_.tableOffset(table) < view_.tableOffset(1) &&
                             statedEnd(table) > view_.tableOffset(1);
       if (overlaps || statedEnd(table) <= size()) continue;
       finding.subject = subjectOf(table);
@@ -122,7 +119,7 @@ class FramingCheck {
       break;
     }
     // Behind a tree table that claims too much, the data table's end is the file's.
-    if (view_.tableCount() == 2 && end > size() && statedEnd(1) <= size()) end = statedEnd(1);
+    if (view_.tableCount() == 2 && end > size()) end = statedEnd(1);
     if (end < size()) reportTrailing(end);
   }
 

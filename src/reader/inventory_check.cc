@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 
 #include "reader/framing_check.h"
 #include "reader/utf8.h"
@@ -20,26 +21,19 @@ std::uint64_t wordAt(std::string_view field, std::size_t i) {
 
 // True for a field of ASCII characters followed by nothing but zeros: what nearly all are.
 bool isPlain(std::string_view field) {
-  bool ended = false;
+  if constexpr (std::endian::native != std::endian::little) return false;
+  std::uint64_t odd = 0;    // bits that such a field does not have
+  std::uint64_t ended = 0;  // all bits once a zero byte has come
   for (std::size_t i = 0; i < kNameFieldSize / sizeof(std::uint64_t); ++i) {
     const std::uint64_t word = wordAt(field, i);
-    if (ended) {
-      if (word != 0) return false;
-      continue;
-    }
-    if ((word & kHighBits) != 0) return false;
-    // All bytes are below 0x80, so this marks exactly the zero bytes.
+    // Where all bytes are below 0x80 this marks exactly the zero bytes.
     const std::uint64_t zeros = ~(word + (kHighBits - kLowBits)) & kHighBits;
-    if (zeros == 0) continue;
-    ended = true;
-    // From the first zero byte on, in file order, all must be zero.
-    if constexpr (std::endian::native == std::endian::little) {
-      if (word >> std::countr_zero(zeros) / 8 * 8 != 0) return false;
-    } else {
-      return false;
-    }
+    // The bytes from the first marked one on, in file order; none without a mark.
+    const std::uint64_t rest = ~(((zeros & (0 - zeros)) >> 7) - 1);
+    odd |= word & (kHighBits | rest | ended);
+    ended |= 0 - (rest >> 63);
   }
-  return true;
+  return odd == 0;
 }
 
 }  // namespace
@@ -62,15 +56,16 @@ void InventoryCheck::framing() {
   count_ += checkFraming(view_, sink_);
 }
 
-void InventoryCheck::links(const TreeWalk::Visit& visit, std::span<const std::uint32_t> parents) {
-  if (visit.outOfRange) {
-    Finding finding = about(Rule::kChildRange, visit.record);
-    finding.actual = visit.links.firstChildIndex;
-    finding.expected = std::uint64_t{visit.links.firstChildIndex} + visit.links.childCount - 1;
-    finding.other = view_.recordCount();
-    report(finding);
-  }
-  if (visit.conflict == TreeWalk::Conflict::kNone) return;
+void InventoryCheck::reportRange(const TreeWalk::Visit& visit) {
+  Finding finding = about(Rule::kChildRange, visit.record);
+  finding.actual = visit.links.firstChildIndex;
+  finding.expected = std::uint64_t{visit.links.firstChildIndex} + visit.links.childCount - 1;
+  finding.other = view_.recordCount();
+  report(finding);
+}
+
+void InventoryCheck::reportConflict(const TreeWalk::Visit& visit,
+                                    std::span<const std::uint32_t> parents) {
   Rule rule = Rule::kCycle;
   if (visit.conflict == TreeWalk::Conflict::kShared) rule = Rule::kTwoParents;
   if (visit.conflict == TreeWalk::Conflict::kOverlap) rule = Rule::kOverlappingChildren;

@@ -24,7 +24,8 @@ class InventoryCheck {
 
   void framing();
   void visit(const TreeWalk::Visit& visit, std::span<const std::uint32_t> parents) {
-    if (visit.outOfRange || visit.conflict != TreeWalk::Conflict::kNone) links(visit, parents);
+    if (visit.outOfRange) reportRange(visit);
+    if (visit.conflict != TreeWalk::Conflict::kNone) reportConflict(visit, parents);
     const std::uint32_t dataIndex = visit.links.dataIndex;
     if (dataIndex >= view_.dataCount()) {
       reportDataIndex(visit);
@@ -47,7 +48,8 @@ class InventoryCheck {
 
  private:
   void report(const Finding& finding);
-  void links(const TreeWalk::Visit& visit, std::span<const std::uint32_t> parents);
+  void reportRange(const TreeWalk::Visit& visit);
+  void reportConflict(const TreeWalk::Visit& visit, std::span<const std::uint32_t> parents);
   void item(const TreeWalk::Visit& visit, ItemView found);
   void reportDataIndex(const TreeWalk::Visit& visit);
   Finding about(Rule rule, std::uint32_t record) const;

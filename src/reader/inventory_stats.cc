@@ -51,10 +51,7 @@ class Collector {
     const std::uint32_t children = visit.links.childCount;
     ++stats_.byFanOut[static_cast<std::size_t>(std::bit_width(children))];
     stats_.childrenInMenus += children;
-    if (stats_.widest.size() < InventoryStats::kWidest ||
-        children > stats_.widest.back().children) {
-      addWide({visit.record, children});
-    }
+    addWide({visit.record, children});
   }
 
   InventoryStats finish() {

@@ -73,12 +73,12 @@ InventoryView::InventoryView(std::span<const std::uint8_t> bytes, Layout layout)
       linkStride_(recordSize(layout, 0)),
       itemStride_(recordSize(layout, tableCount() - 1)) {
   locateTables();
-  if (tables_[0].count != 0) linkBase_ = bytes_.data() + tables_[0].offset;
-  const Table& items = tables_[tableCount() - 1];
-  if (items.count != 0) {
-    const std::size_t links = layout_ == Layout::kOneTable ? kNodeRecordSize - kDataRecordSize : 0;
-    itemBase_ = bytes_.data() + items.offset + links;
-  }
+  // Tables without records may be said to lie anywhere.
+  const auto at = [this](std::uint64_t offset) {
+    return bytes_.data() + std::min<std::uint64_t>(offset, bytes_.size());
+  };
+  linkBase_ = at(recordOffset(0));
+  itemBase_ = at(itemOffset(0));
 }
 
 InventoryView::Table InventoryView::clip(std::uint64_t offset, std::uint32_t count,
@@ -113,9 +113,8 @@ void InventoryView::locateTables() {
 
   if (layout_ == Layout::kOneTable) {
     const std::uint64_t length = std::uint64_t{first->count} * kNodeRecordSize;
-    const bool fixedFits = prefix + length == size;
     const bool statedFits = first->offset >= prefix && first->offset + length <= size;
-    const std::uint64_t offset = !fixedFits && statedFits ? first->offset : prefix;
+    const std::uint64_t offset = statedFits ? first->offset : prefix;
     tables_[0] = clip(offset, first->count, kNodeRecordSize, size);
     return;
   }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <cstring>
 #include <string_view>
 
 #include "output/inventory_format.h"
@@ -34,10 +33,7 @@ class ItemView {
   // The name as a player shows it: up to the first zero byte, or all 64 bytes.
   std::string_view name() const {
     const std::string_view field = nameField();
-    if (field.empty()) return {};
-    const void* end = std::memchr(field.data(), 0, field.size());
-    if (end == nullptr) return field;
-    return field.substr(0, static_cast<std::size_t>(static_cast<const char*>(end) - field.data()));
+    return field.substr(0, field.find('\0'));
   }
 
   std::uint8_t recType() const { return bytes_ == nullptr ? std::uint8_t{0} : bytes_[kRecType]; }

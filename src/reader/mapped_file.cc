@@ -49,15 +49,13 @@ std::optional<MappedFile> MappedFile::open(const std::string& name, std::string&
   }
   MappedFile file;
   struct stat status {};
-  int failure = ::fstat(fd, &status) == 0 ? 0 : errno;
-  if (failure == 0 && S_ISDIR(status.st_mode)) failure = EISDIR;
-  if (failure == 0) {
-    const auto size = static_cast<std::size_t>(status.st_size);
-    // Standard input may stand anywhere in a file; only from its start a mapping is the same.
-    const bool atStart = !standardInput || ::lseek(fd, 0, SEEK_CUR) == 0;
-    const bool mapped = S_ISREG(status.st_mode) && size != 0 && atStart && file.map(fd, size);
-    if (!mapped && !file.readAll(fd)) failure = errno;
-  }
+  // Where this fails, so does reading, in the same way.
+  static_cast<void>(::fstat(fd, &status));
+  const auto size = static_cast<std::size_t>(status.st_size);
+  // Standard input may stand anywhere in a file; only from its start a mapping is the same.
+  const bool atStart = !standardInput || ::lseek(fd, 0, SEEK_CUR) == 0;
+  const bool mapped = S_ISREG(status.st_mode) && size != 0 && atStart && file.map(fd, size);
+  const int failure = mapped || file.readAll(fd) ? 0 : errno;
   if (!standardInput) ::close(fd);
   if (failure != 0) {
     error = errorText(failure);
@@ -106,7 +104,8 @@ MappedFile::MappedFile(MappedFile&& other) noexcept
       bytes_(std::exchange(other.bytes_, {})) {}
 
 MappedFile::~MappedFile() {
-  if (mapping_ != nullptr) ::munmap(mapping_, mappingSize_);
+  // Nothing happens where nothing is mapped.
+  static_cast<void>(::munmap(mapping_, mappingSize_));
 }
 
 }  // namespace Orvane

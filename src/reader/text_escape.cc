@@ -17,7 +17,8 @@ void appendHexByte(std::string& out, char byte) {
 }
 
 // C0 and C1 control characters and DEL, line and paragraph separators, and the marks that change
-// the direction of the text around them: none of them may reach a terminal from a title.
+// the direction of the text around them: none of them may reach a terminal from a title. Bytes that
+// are no character count as one of value 0.
 bool isUnprintable(std::uint32_t c) {
   return c < 0x20 || (c >= 0x7F && c < 0xA0) || (c >= 0x2028 && c <= 0x202E) ||
          (c >= 0x2066 && c <= 0x2069);
@@ -74,7 +75,7 @@ void appendEscaped(std::string& out, std::string_view bytes, std::string_view al
       out += "\\r";
     } else if (front == '\t') {
       out += "\\t";
-    } else if (!next.valid || isUnprintable(next.codePoint)) {
+    } else if (isUnprintable(next.codePoint)) {
       for (std::size_t i = 0; i < next.length; ++i) appendHexByte(out, bytes[i]);
     } else {
       if (front == '\\' || also.find(front) != std::string_view::npos) out += '\\';

@@ -1,20 +1,15 @@
 #include "reader/tree_diff.h"
 
 #include <algorithm>
+#include <compare>
 #include <span>
 #include <string_view>
-#include <tuple>
 
 namespace Orvane {
 namespace {
 
-// What records are matched by.
-struct Key {
-  std::string_view name;
-  std::uint32_t mediaId;
-
-  auto tied() const { return std::tie(name, mediaId); }
-};
+// What records are matched by: name and media id.
+using Key = std::pair<std::string_view, std::uint32_t>;
 
 Key keyOf(const InventoryView& view, std::uint32_t record) {
   const ItemView item = view.itemOf(record);
@@ -24,9 +19,7 @@ Key keyOf(const InventoryView& view, std::uint32_t record) {
 struct ByKey {
   const InventoryView& view;
   bool operator()(std::uint32_t a, std::uint32_t b) const {
-    const Key left = keyOf(view, a);
-    const Key right = keyOf(view, b);
-    return left.tied() != right.tied() ? left.tied() < right.tied() : a < b;
+    return std::pair(keyOf(view, a), a) < std::pair(keyOf(view, b), b);
   }
 };
 
@@ -40,10 +33,10 @@ void pairOff(std::vector<std::uint32_t>& first, std::vector<std::uint32_t>& seco
   std::size_t i = 0;
   std::size_t j = 0;
   while (i < first.size() && j < second.size()) {
-    const int order = compare(first[i], second[j]);
-    if (order == 0) {
+    const auto order = compare(first[i], second[j]);
+    if (std::is_eq(order)) {
       pairs.emplace_back(first[i++], second[j++]);
-    } else if (order < 0) {
+    } else if (std::is_lt(order)) {
       firstLeft.push_back(first[i++]);
     } else {
       secondLeft.push_back(second[j++]);
@@ -54,12 +47,6 @@ void pairOff(std::vector<std::uint32_t>& first, std::vector<std::uint32_t>& seco
                     second.end());
   first = std::move(firstLeft);
   second = std::move(secondLeft);
-}
-
-template <typename T>
-int threeWay(const T& a, const T& b) {
-  if (a < b) return -1;
-  return b < a ? 1 : 0;
 }
 
 std::vector<std::uint32_t> listOf(TreeIndex::Family family) {
@@ -98,7 +85,6 @@ TreeDiff::TreeDiff(const TreeIndex& first, const TreeIndex& second)
       secondOwners_(findOwners(second.view())) {}
 
 std::vector<std::uint64_t> TreeDiff::findOwners(const InventoryView& view) {
-  if (view.layout() == Layout::kOneTable) return {};
   std::vector<std::uint64_t> owners(view.recordCount() / 64 + 1, 0);
   std::vector<bool> used(view.dataCount(), false);
   for (std::uint32_t i = 0; i < view.recordCount(); ++i) {
@@ -154,7 +140,7 @@ void TreeDiff::compareFields(Pair pair) {
   }
   if (fields == 0) return;
   const auto owns = [](const std::vector<std::uint64_t>& owners, std::uint32_t record) {
-    return owners.empty() || (owners[record / 64] >> (record % 64) & 1) != 0;
+    return (owners[record / 64] >> (record % 64) & 1) != 0;
   };
   Difference difference{.change = Change::kChanged, .first = pair.first, .second = pair.second};
   difference.fields = static_cast<std::uint8_t>(fields);
@@ -172,9 +158,9 @@ void TreeDiff::compareFamilies(Pair pair) {
 bool TreeDiff::matchAlike(TreeIndex::Family first, TreeIndex::Family second) {
   if (first.count != second.count) return false;
   for (std::uint32_t i = 0; i < first.count; ++i) {
-    const Key left = keyOf(first_.view(), first.first + i);
-    const Key right = keyOf(second_.view(), second.first + i);
-    if (left.tied() != right.tied()) return false;
+    if (keyOf(first_.view(), first.first + i) != keyOf(second_.view(), second.first + i)) {
+      return false;
+    }
   }
   // The last one pushed is compared first.
   for (std::uint32_t i = first.count; i-- > 0;) {
@@ -193,14 +179,11 @@ void TreeDiff::match(TreeIndex::Family first, TreeIndex::Family second) {
   std::vector<Pair> pairs;
   pairOff(
       removed, added,
-      [&](std::uint32_t a, std::uint32_t b) {
-        return threeWay(keyOf(left, a).tied(), keyOf(right, b).tied());
-      },
-      pairs);
+      [&](std::uint32_t a, std::uint32_t b) { return keyOf(left, a) <=> keyOf(right, b); }, pairs);
   pairOff(
       removed, added,
       [&](std::uint32_t a, std::uint32_t b) {
-        return threeWay(keyOf(left, a).name, keyOf(right, b).name);
+        return keyOf(left, a).first <=> keyOf(right, b).first;
       },
       pairs);
   std::sort(removed.begin(), removed.end());
@@ -228,9 +211,9 @@ void TreeDiff::addLeftOver(Change change, std::uint32_t record) {
   const Key key = keyOf(removed ? first_.view() : second_.view(), record);
   LeftOvers& own = removed ? removed_ : added_;
   LeftOvers& other = removed ? added_ : removed_;
-  const auto partner = other.find({key.name, key.mediaId});
+  const auto partner = other.find(key);
   if (partner == other.end()) {
-    own[{key.name, key.mediaId}].push_back(differences_.size());
+    own[key].push_back(differences_.size());
     Difference difference{.change = change};
     (removed ? difference.first : difference.second) = record;
     differences_.push_back(difference);

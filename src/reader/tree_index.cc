@@ -1,7 +1,5 @@
 #include "reader/tree_index.h"
 
-#include <algorithm>
-
 namespace Orvane {
 
 TreeIndex::TreeIndex(const InventoryView& view) : view_(view) {
@@ -21,21 +19,16 @@ TreeIndex::TreeIndex(const InventoryView& view) : view_(view) {
 }
 
 TreeIndex::Family TreeIndex::children(std::uint32_t record) const {
-  const RecordLinks links = view_.links(record);
-  if (links.isLeaf()) return {};
-  const std::uint64_t end = std::min<std::uint64_t>(
-      std::uint64_t{links.firstChildIndex} + links.childCount, parents_.size());
-  Family family{links.firstChildIndex, 0};
-  for (std::uint64_t i = links.firstChildIndex; i < end; ++i) {
-    if (parents_[i] != record) break;
-    ++family.count;
-  }
-  return family;
+  // A media leaf's mark lies beyond every table.
+  const std::uint32_t first = view_.links(record).firstChildIndex;
+  std::uint32_t end = first;
+  while (end < parents_.size() && parents_[end] == record) ++end;
+  return {first, end - first};
 }
 
 bool TreeIndex::isDisplaced(std::uint32_t record) const {
-  if (view_.layout() != Layout::kTwoTable || record == 0 ||
-      view_.links(record).firstChildIndex != 0 || !view_.mayBePlaylistsMenu(record)) {
+  if (view_.layout() != Layout::kTwoTable || view_.links(record).firstChildIndex != 0 ||
+      !view_.mayBePlaylistsMenu(record)) {
     return false;
   }
   // Looks no further than the next such sibling, so that a family costs one pass.

@@ -19,51 +19,45 @@ TreeWalk::Event TreeWalk::next() {
     return Event::kEnter;
   }
   const std::uint32_t record = visit_.record;
-  if (!leaving_ && descend_) {
+  if (descend_) {
+    if (order_ == WalkOrder::kStorage) noteDeferred(visit_);
     flipOnPath(record);
     ++depth_;
-    if (moveTo(visit_.links.firstChildIndex, record)) return Event::kEnter;
-  } else {
-    const std::uint32_t parent = parents_[record];
-    if (parent == kStart) {
-      visit_ = Visit{};
-      return Event::kEnd;
-    }
-    const bool wasDeferred =
-        !deferred_.empty() && deferred_.back().entered && deferred_.back().record == record;
-    if (wasDeferred) {
-      deferred_.pop_back();
-    } else if (moveTo(record + 1, parent)) {
-      return Event::kEnter;
-    }
-    visit_ = Visit{};
-    visit_.record = parent;
+    moveTo(visit_.links.firstChildIndex, record);
+    return Event::kEnter;
   }
-  // All children of visit_.record are done.
-  flipOnPath(visit_.record);
+  const std::uint32_t parent = parents_[record];
+  if (parent == kStart) {
+    visit_ = Visit{};
+    return Event::kEnd;
+  }
+  if (!deferred_.empty() && deferred_.back().record == record) {
+    deferred_.pop_back();
+  } else if (moveTo(record + 1, parent)) {
+    return Event::kEnter;
+  }
+  // All of the parent's children are done.
+  flipOnPath(parent);
+  visit_ = Visit{};
+  visit_.record = parent;
   visit_.depth = --depth_;
-  leaving_ = true;
   return Event::kLeave;
 }
 
 // Enters the first of `parent`'s children from `sibling` on that is due. In storage order that
 // leaves the deferred one for the end.
 bool TreeWalk::moveTo(std::uint32_t sibling, std::uint32_t parent) {
-  const bool mayDefer =
-      !deferred_.empty() && deferred_.back().parent == parent && !deferred_.back().entered;
-  if (mayDefer && sibling == deferred_.back().record) ++sibling;
+  const bool defers = !deferred_.empty() && deferred_.back().parent == parent;
+  if (defers && sibling == deferred_.back().record) ++sibling;
   if (sibling < parents_.size() && parents_[sibling] == parent) {
     enter(sibling);
     return true;
   }
-  if (!mayDefer) return false;
-  deferred_.back().entered = true;
-  enter(deferred_.back().record);
-  return true;
+  if (defers) enter(deferred_.back().record);
+  return defers;
 }
 
 void TreeWalk::enter(std::uint32_t record) {
-  leaving_ = false;
   visit_ = Visit{};
   visit_.record = record;
   visit_.depth = depth_;
@@ -74,7 +68,6 @@ void TreeWalk::enter(std::uint32_t record) {
   }
   claimChildren(visit_);
   descend_ = visit_.used != 0;
-  if (order_ == WalkOrder::kStorage && descend_) noteDeferred(visit_);
 }
 
 void TreeWalk::claimChildren(Visit& visit) {
@@ -95,14 +88,12 @@ void TreeWalk::claimChildren(Visit& visit) {
     const auto child = static_cast<std::uint32_t>(i);
     std::uint32_t& parent = parents_[child];
     if (parent != kNoRecord) {
-      const bool cycle = child == visit.record || isOnPath(child) || parent == kStart;
       visit.conflictRecord = child;
-      if (cycle) {
+      if (child == visit.record || isOnPath(child)) {
         visit.conflict = Conflict::kCycle;
       } else {
-        visit.conflict = visit.used == 0 && view_.links(parent).firstChildIndex == first
-                             ? Conflict::kShared
-                             : Conflict::kOverlap;
+        visit.conflict =
+            view_.links(parent).firstChildIndex == first ? Conflict::kShared : Conflict::kOverlap;
       }
       return;
     }
@@ -130,8 +121,7 @@ void TreeWalk::noteDeferred(const Visit& visit) {
   for (std::uint32_t i = visit.used; i-- > 0;) {
     const std::uint32_t child = visit.links.firstChildIndex + i;
     if (!view_.isPlaylistsMenu(child)) continue;
-    // Only a menu that stands before others is moved by this; the last child comes last anyway.
-    if (i + 1 < visit.used) deferred_.push_back({visit.record, child, false});
+    deferred_.push_back({visit.record, child});
     return;
   }
 }

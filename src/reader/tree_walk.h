@@ -81,7 +81,6 @@ class TreeWalk {
   struct Deferred {
     std::uint32_t parent;
     std::uint32_t record;
-    bool entered;
   };
 
   bool hasLater(std::uint32_t record, bool (InventoryView::*isOne)(std::uint32_t) const) const;
@@ -104,8 +103,7 @@ class TreeWalk {
   std::vector<Deferred> deferred_;     // storage order: children to be entered last, by depth
   Visit visit_;
   std::uint32_t depth_ = 0;  // of the current record
-  bool descend_ = false;
-  bool leaving_ = false;
+  bool descend_ = false;     // into a record just entered; it has a child then
 };
 
 }  // namespace Orvane

@@ -8,7 +8,7 @@ namespace Orvane {
 
 // One step through text that may not be UTF-8.
 struct Utf8Char {
-  std::uint32_t codePoint = 0;  // when valid
+  std::uint32_t codePoint = 0;  // stays 0 when not valid
   std::uint8_t length = 1;      // bytes taken: 1 to 4, and 1 when not valid
   bool valid = false;
 };

@@ -1,7 +1,6 @@
 #include "reader/writer_order.h"
 
 #include <algorithm>
-#include <limits>
 
 #include "reader/tree_walk.h"
 
@@ -10,8 +9,8 @@ namespace Orvane {
 WriterOrder::WriterOrder(const InventoryView& view)
     : view_(view), owners_(view.recordCount() / 64 + 1, 0) {
   checkItems();
-  if (!departure_) checkLinks();
-  if (!departure_ && view_.layout() == Layout::kTwoTable) checkDuplicates();
+  checkLinks();
+  if (view_.layout() == Layout::kTwoTable) checkDuplicates();
 }
 
 void WriterOrder::depart(std::uint32_t record, std::string message) {
@@ -20,10 +19,6 @@ void WriterOrder::depart(std::uint32_t record, std::string message) {
 
 // Data records come in the order of the first records to use them; the root's is its own.
 void WriterOrder::checkItems() {
-  if (view_.layout() == Layout::kOneTable) {
-    std::fill(owners_.begin(), owners_.end(), std::numeric_limits<std::uint64_t>::max());
-    return;
-  }
   std::uint32_t next = 0;
   for (std::uint32_t i = 0; i < view_.recordCount(); ++i) {
     const std::uint32_t dataIndex = view_.links(i).dataIndex;
@@ -45,7 +40,7 @@ void WriterOrder::checkLinks() {
     if (event != TreeWalk::Event::kEnter) continue;
     const TreeWalk::Visit& visit = walk.current();
     // It is linked to 0 even if it is a media leaf.
-    const bool earlier = visit.record != 0 && walk.hasLaterPlaylists(visit.record);
+    const bool earlier = walk.hasLaterPlaylists(visit.record);
     if (visit.links.isLeaf()) {
       if (!earlier) continue;
       depart(visit.record, "a writer would link it to record 0, as a Playlists menu follows");
@@ -76,22 +71,20 @@ void WriterOrder::checkDuplicates() {
   while (begin != byId.end()) {
     const auto end = std::find_if(
         begin, byId.end(), [begin](std::uint64_t entry) { return entry >> 32 != *begin >> 32; });
-    if (end - begin > 1) {
-      std::sort(begin, end, [&](std::uint64_t a, std::uint64_t b) {
-        const int order = itemOf(a).name().compare(itemOf(b).name());
-        return order != 0 ? order < 0 : a < b;
-      });
-      const auto twin = std::adjacent_find(begin, end, [&](std::uint64_t a, std::uint64_t b) {
-        return itemOf(a).name() == itemOf(b).name();
-      });
-      if (twin != end) {
-        const auto first = static_cast<std::uint32_t>(*twin);
-        const auto second = static_cast<std::uint32_t>(*(twin + 1));
-        std::uint32_t user = 0;
-        while (view_.links(user).dataIndex != second) ++user;
-        depart(user, "a writer would let it share data record " + std::to_string(first));
-        return;
-      }
+    std::sort(begin, end, [&](std::uint64_t a, std::uint64_t b) {
+      const int order = itemOf(a).name().compare(itemOf(b).name());
+      return order != 0 ? order < 0 : a < b;
+    });
+    const auto twin = std::adjacent_find(begin, end, [&](std::uint64_t a, std::uint64_t b) {
+      return itemOf(a).name() == itemOf(b).name();
+    });
+    if (twin != end) {
+      const auto first = static_cast<std::uint32_t>(*twin);
+      const auto second = static_cast<std::uint32_t>(*(twin + 1));
+      std::uint32_t user = 0;
+      while (view_.links(user).dataIndex != second) ++user;
+      depart(user, "a writer would let it share data record " + std::to_string(first));
+      return;
     }
     begin = end;
   }

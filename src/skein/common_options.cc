@@ -48,8 +48,7 @@ constexpr argp_option kFormatTable[] = {
 
 // Ends the run after text on standard output, which may have failed to get there.
 [[noreturn]] void endOfText() {
-  const bool written = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
-  std::exit(written || errno == EPIPE ? kStatusYes : kStatusTrouble);
+  std::exit(textWritten() || errno == EPIPE ? kStatusYes : kStatusTrouble);
 }
 
 void setColor(argp_state* state, CommonOptions& options, std::string_view when) {
@@ -157,6 +156,12 @@ const struct argp kCommonArgp = {kCommonTable, parseCommon, nullptr, nullptr,
                                  nullptr,      nullptr,     nullptr};
 const struct argp kFormatArgp = {kFormatTable, parseFormat, nullptr, nullptr,
                                  nullptr,      nullptr,     nullptr};
+
+bool textWritten() {
+  // What goes wrong here, too, stays with the stream.
+  static_cast<void>(std::fflush(stdout));
+  return std::ferror(stdout) == 0;
+}
 
 void initChildren(argp_state* state, VerbInput& input, std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) state->child_inputs[i] = &input;

@@ -50,6 +50,9 @@ void addFile(CommonOptions& options, std::string_view word);
 // error that names `option`.
 std::uint32_t parseNumber(argp_state* state, const char* option, const char* text);
 
+// Hands on what was printed to stdout. False if some of it, now or before, got lost.
+bool textWritten();
+
 // Prints a help text that begins with purpose and examples, or the version, and ends the run.
 [[noreturn]] void printHelp(argp_state* state, const VerbHelp& help);
 [[noreturn]] void printVersion();

@@ -39,8 +39,8 @@ class Side {
 
   // The place of a record among its siblings, from 1.
   std::uint64_t position(std::uint32_t record) const {
-    const std::uint32_t parent = index.parents()[record];
-    return parent >= TreeWalk::kStart ? 1 : record - links(parent).firstChildIndex + 1;
+    // The root, which has no parent, comes out as 1 as well.
+    return record - links(index.parents()[record]).firstChildIndex + 1;
   }
 
   // The record and all below it.

@@ -63,12 +63,11 @@ int dispatch(std::span<char*> words) {
   if (word == "--help" || word == "-?" || word == "--version" || word == "help") {
     if (word == "--version") printVersion();
     printHelp();
-    const bool written = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
-    return written ? kStatusYes : kStatusTrouble;
+    return textWritten() ? kStatusYes : kStatusTrouble;
   }
   if (word == "--usage") {
     std::puts("Usage: skein VERB [OPTION...] FILE...");
-    return std::fflush(stdout) == 0 ? kStatusYes : kStatusTrouble;
+    return textWritten() ? kStatusYes : kStatusTrouble;
   }
   for (const Verb& verb : kVerbs) {
     if (verb.name != word) continue;

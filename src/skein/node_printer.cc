@@ -17,7 +17,6 @@ constexpr std::uint32_t kMaxIndent = 40;
 std::string_view storedBytes(ItemView item) {
   const std::string_view name = item.name();
   const std::string_view field = item.nameField();
-  if (name.size() == field.size()) return field;
   // Nearly all fields are zero from the terminator on, which is quicker to see than where the last
   // other byte stands.
   static constexpr std::array<char, kNameFieldSize> kZeros{};

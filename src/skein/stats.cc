@@ -31,7 +31,7 @@ struct Bytes {
         dataTable(view.layout() == Layout::kTwoTable
                       ? std::uint64_t{view.dataCount()} * kDataRecordSize
                       : 0),
-        unshared(view.layout() == Layout::kTwoTable && view.recordCount() > view.dataCount()
+        unshared(view.recordCount() > view.dataCount()
                      ? std::uint64_t{view.recordCount() - view.dataCount()} * kDataRecordSize
                      : 0) {
     const std::uint64_t size = view.bytes().size();
@@ -44,6 +44,14 @@ struct Bytes {
   std::uint64_t unshared;  // what data records of their own would take for those that share one
   std::uint64_t other = 0;
 };
+
+// The numbers of children that InventoryStats::byFanOut counts together at `step`.
+std::uint64_t fewest(std::size_t step) {
+  return (std::uint64_t{1} << step) >> 1;
+}
+std::uint64_t most(std::size_t step) {
+  return (std::uint64_t{1} << step) - 1;
+}
 
 class StatsText {
  public:
@@ -91,10 +99,8 @@ class StatsText {
     out_.put("  menus by number of children\n");
     for (std::size_t i = 0; i < stats_.byFanOut.size(); ++i) {
       if (stats_.byFanOut[i] == 0) continue;
-      const std::uint64_t low = i == 0 ? 0 : std::uint64_t{1} << (i - 1);
-      const std::uint64_t high = i == 0 ? 0 : (std::uint64_t{1} << i) - 1;
-      std::string label = "    " + std::to_string(low);
-      if (high > low) label += " to " + std::to_string(high);
+      std::string label = "    " + std::to_string(fewest(i));
+      if (most(i) > fewest(i)) label += " to " + std::to_string(most(i));
       row(label, stats_.byFanOut[i]);
     }
     if (stats_.widest.empty()) return;
@@ -147,8 +153,8 @@ void writeMembers(const InventoryJob& job, const InventoryStats& stats, const Me
   for (std::size_t i = 0; i < stats.byFanOut.size(); ++i) {
     if (stats.byFanOut[i] == 0) continue;
     json.beginObject();
-    json.field("from", i == 0 ? 0 : std::uint64_t{1} << (i - 1));
-    json.field("to", i == 0 ? 0 : (std::uint64_t{1} << i) - 1);
+    json.field("from", fewest(i));
+    json.field("to", most(i));
     json.field("menus", stats.byFanOut[i]);
     json.endObject();
   }

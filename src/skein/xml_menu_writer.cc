@@ -25,6 +25,7 @@ void require(int result) {
   if (result < 0) throw std::bad_alloc();
 }
 
+// Nor is 0, which stands for bytes that are no character.
 bool isXmlChar(std::uint32_t c) {
   if (c < 0x20) return c == '\t' || c == '\n' || c == '\r';
   return c != 0xFFFE && c != 0xFFFF;
@@ -58,7 +59,7 @@ void appendAttribute(std::string& out, std::string_view name) {
         out += "&#13;";
         break;
       default:
-        if (next.valid && isXmlChar(next.codePoint)) {
+        if (isXmlChar(next.codePoint)) {
           out += name.substr(0, next.length);
         } else {
           out += "\xEF\xBF\xBD";
@@ -123,7 +124,7 @@ void XmlMenuWriter::finish() {
 bool XmlMenuWriter::canHold(std::string_view name) {
   while (!name.empty()) {
     const Utf8Char next = firstUtf8Char(name);
-    if (!next.valid || !isXmlChar(next.codePoint)) return false;
+    if (!isXmlChar(next.codePoint)) return false;
     name.remove_prefix(next.length);
   }
   return true;

@@ -63,7 +63,7 @@ MAKER = Subject(("unit_tests", "inventory_tests"),
                 ("skeinmake", "skeinmake-legacy", "libskeinmake-xml.so"))
 SKEIN_SCRIPT = ("--skein", "{bin}/skein", "--inventories",
                 str(ROOT / "fuzz" / "seeds" / "inventory_view"))
-SKEIN = Subject(("skein_unit_tests",), ("skein",), (
+SKEIN = Subject(("skein_unit_tests",), ("skein", "libskeinmake-xml.so"), (
     (str(ROOT / "tests" / "skein_streams_test.py"), *SKEIN_SCRIPT),
     (str(ROOT / "tests" / "skein_system_test.py"), *SKEIN_SCRIPT)))
 

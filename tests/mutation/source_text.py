@@ -60,7 +60,7 @@ def other_char(char: str) -> str:
 def misspelt(string: str) -> str | None:
     """The string literal with another letter, or other character, in the middle."""
     places = [i for i in range(1, len(string) - 1)
-              if string[i].isalnum() and not re.search(r"\\\w?$", string[:i + 1])]
+              if string[i].isalnum() and not re.search(r"\\(x[0-9a-fA-F]*|\w?)$", string[:i + 1])]
     if not places:
         places = [i for i in range(1, len(string) - 1) if string[i] in " .:,|<>-="]
     if not places:

@@ -171,6 +171,16 @@ TEST(InventoryView, FindsTheDataTableWhenOneOfItsSignsIsWrong) {
   InventoryImage trailing(Layout::kTwoTable, sampleTree());
   trailing.append("xyz");
   EXPECT_EQ(rootName(trailing), "Home");
+  // No table begins in the header or behind the end.
+  EXPECT_EQ(rootName(trailing.number(36, 20)), "Home");
+  EXPECT_EQ(rootName(trailing.number(36, 1'000'000)), "Home");
+}
+
+TEST(InventoryView, TakesAnOffsetForTheLowHalfOfWhereTheTreeTableEnds) {
+  InventoryImage image(Layout::kTwoTable, sampleTree());
+  // So many records more end 12 GiB further on. With a byte more nothing proves another count.
+  image.number(24, image.recordCount() + (1U << 30)).append("x");
+  EXPECT_EQ(viewOf(image).tableOffset(1), image.itemOffset(0) + (std::uint64_t{12} << 30));
 }
 
 TEST(InventoryView, KnowsPlaylistsMenusByNameAndType) {

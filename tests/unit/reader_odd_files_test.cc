@@ -123,6 +123,30 @@ TEST(OddFiles, LonePlaylistsMenuAtTheEndIsNotDisplaced) {
   EXPECT_THAT(annotateOf(last.bytes()).out, Not(HasSubstr("contents not stored")));
 }
 
+TEST(OddFiles, OneTableStoresTheContentsOfAllPlaylistsMenus) {
+  const Sketch tree = menu("Home", {menu("Playlists", {media("One", 1)}), menu("Playlists")});
+  InventoryImage one(Layout::kOneTable, tree);
+  one.firstChild(1, 0);
+  EXPECT_FALSE(TreeIndex(viewOf(one)).isDisplaced(1));
+  const InventoryImage two(Layout::kTwoTable, tree);
+  EXPECT_TRUE(TreeIndex(viewOf(two)).isDisplaced(1));
+  EXPECT_FALSE(TreeIndex(viewOf(two)).isDisplaced(2));
+  InventoryImage leaf(Layout::kTwoTable, tree);
+  leaf.firstChild(1, kNoChildren);
+  EXPECT_FALSE(TreeIndex(viewOf(leaf)).isDisplaced(1));
+}
+
+TEST(OddFiles, OnlySiblingsOfTheSameNameDisplaceAMenu) {
+  InventoryImage other(Layout::kTwoTable, menu("Home", {menu("A"), menu("Playlists")}));
+  other.firstChild(1, 0);
+  EXPECT_FALSE(TreeIndex(viewOf(other)).isDisplaced(1));
+  const Sketch playlists = menu("Playlists");
+  InventoryImage cousins(Layout::kTwoTable,
+                         menu("Home", {menu("A", {playlists}), menu("B", {playlists})}));
+  cousins.firstChild(3, 0);
+  EXPECT_FALSE(TreeIndex(viewOf(cousins)).isDisplaced(3));
+}
+
 TEST(OddFiles, WalkThatHasEndedStaysAtItsEnd) {
   const InventoryImage image(Layout::kTwoTable, threeSongs());
   const InventoryView view = viewOf(image);
@@ -148,6 +172,8 @@ TEST(OddFiles, InventoriesWithoutRecordsAreCompared) {
     }
     return found;
   };
+  EXPECT_TRUE(TreeIndex(viewOf(none)).damaged());
+  EXPECT_FALSE(TreeIndex(viewOf(some)).damaged());
   EXPECT_EQ(changes(none, none), std::vector<Change>{});
   EXPECT_EQ(changes(none, some), std::vector<Change>{Change::kAdded});
   EXPECT_EQ(changes(some, none), std::vector<Change>{Change::kRemoved});

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -33,6 +36,36 @@ TEST(Utf8, CountsTheValidBytes) {
   EXPECT_FALSE(isUtf8("a\xED\xBF\xBF"));
 }
 
+TEST(Utf8, TakesEveryLengthUpToItsLimits) {
+  using Example = std::pair<std::string_view, std::uint32_t>;
+  for (const auto& [text, codePoint] :
+       {Example{"\x7F", 0x7F}, Example{"\xC2\x80", 0x80}, Example{"\xDF\xBF", 0x7FF},
+        Example{"\xE0\xA0\x80", 0x800}, Example{"\xED\x9F\xBF", 0xD7FF},
+        Example{"\xEE\x80\x80", 0xE000}, Example{"\xEF\xBF\xBF", 0xFFFF},
+        Example{"\xF0\x90\x80\x80", 0x10000}, Example{"\xF4\x8F\xBF\xBF", 0x10FFFF}}) {
+    const Utf8Char found = firstUtf8Char(text);
+    EXPECT_TRUE(found.valid) << codePoint;
+    EXPECT_EQ(found.codePoint, codePoint);
+    EXPECT_EQ(found.length, text.size()) << codePoint;
+    // Behind a text that ends early stands in memory what it lacks.
+    for (std::size_t size = 1; size < text.size(); ++size) {
+      EXPECT_FALSE(firstUtf8Char(text.substr(0, size)).valid) << codePoint;
+    }
+  }
+}
+
+TEST(Utf8, IsNeitherLongerThanNeededNorBeyondItsLimits) {
+  for (const std::string_view bad :
+       {"\x80", "\xBF", "\xC0\x80", "\xC1\xBF", "\xE0\x80\x80", "\xE0\x9F\xBF", "\xED\xA0\x80",
+        "\xED\xBF\xBF", "\xF0\x80\x80\x80", "\xF0\x8F\xBF\xBF", "\xF4\x90\x80\x80",
+        "\xF7\xBF\xBF\xBF", "\xE2(\xAC", "\xE2\x82(", "\xF0\x9F\x8E("}) {
+    const Utf8Char found = firstUtf8Char(bad);
+    EXPECT_FALSE(found.valid) << bad;
+    EXPECT_EQ(found.codePoint, 0U) << bad;
+    EXPECT_EQ(found.length, 1) << bad;
+  }
+}
+
 TEST(Utf8, HasNoLeadBytesBeyondF7) {
   for (int lead = 0xF8; lead <= 0xFF; ++lead) {
     const std::string text = static_cast<char>(lead) + std::string("\x90\x80\x80\x80\x80");
@@ -53,6 +86,11 @@ TEST(TextEscape, ShowsWhatIsNotPrintable) {
             "\\xC2\\x9B31m");
   EXPECT_EQ(escaped("\xE2\x80\xAE"), "\\xE2\\x80\\xAE");
   EXPECT_EQ(escaped("\xFFz"), "\\xFFz");
+  for (const char* shown : {" ", "~", "\xC2\xA0", "\xE2\x80\xA7", "\xE2\x80\xAF"}) {
+    EXPECT_EQ(escaped(shown), shown);
+  }
+  EXPECT_EQ(escaped("\x1F\xC2\x80\xC2\x9F"), "\\x1F\\xC2\\x80\\xC2\\x9F");
+  EXPECT_EQ(escaped("\xE2\x80\xA8"), "\\xE2\\x80\\xA8");
   EXPECT_EQ(escaped("\\"), "\\\\");
   EXPECT_EQ(escaped("a\"b/c", "\""), "a\\\"b/c");
 }
@@ -80,6 +118,23 @@ TEST(TextEscape, TakesNoOtherEscapes) {
   EXPECT_EQ(unescaped(std::string_view("\\x41", 3)), std::nullopt);
 }
 
+// Behind the text no memory can be read.
+TEST(TextEscape, EndsWithTheText) {
+  const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+  void* const pages =
+      ::mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  ASSERT_NE(pages, MAP_FAILED);
+  char* const end = static_cast<char*>(pages) + page;
+  ASSERT_EQ(::mprotect(end, page, PROT_NONE), 0);
+  for (const std::string_view text : {"\\", "\\x", "\\x4", "a\\"}) {
+    const std::string_view last(end - text.size(), text.size());
+    std::copy(text.begin(), text.end(), end - text.size());
+    EXPECT_EQ(unescaped(last), std::nullopt) << text;
+    EXPECT_EQ(splitPath(last), std::nullopt) << text;
+  }
+  ::munmap(pages, 2 * page);
+}
+
 TEST(SplitPath, TakesNamesApart) {
   using Names = std::vector<std::string>;
   EXPECT_EQ(splitPath(""), Names{});
@@ -100,6 +155,18 @@ std::vector<std::string> pathsIn(const InventoryImage& image) {
   std::vector<std::string> paths;
   for (std::uint32_t i = 0; i <= view.recordCount(); ++i) paths.push_back(path.of(i));
   return paths;
+}
+
+TEST(MenuPath, OfTheRootLeadsNoFurtherUp) {
+  // The walk begins at record 1, which claims the root as its child.
+  InventoryImage image(Layout::kOneTable, menu("Home", {menu("A", {menu("B")})}));
+  image.firstChild(1, 0).childCount(1, 1);
+  const InventoryView view = viewOf(image);
+  TreeWalk walk(view, WalkOrder::kMenu, 1);
+  while (walk.next() != TreeWalk::Event::kEnd) {
+  }
+  ASSERT_EQ(walk.parents()[0], 1U);
+  EXPECT_EQ(MenuPath(view, walk.parents()).of(0), "/");
 }
 
 TEST(MenuPath, NamesTheWayDown) {

@@ -59,6 +59,10 @@ TEST(TreeDiff, ChangedKind) {
   Sketch leaf = media("x", 0);
   leaf.recType = 7;
   EXPECT_EQ(diffText(menu("R", {menu("x")}), menu("R", {leaf})), "~ /x: kind menu -> media\n");
+  // Children that are stored are told one by one.
+  const Sketch full = menu("R", {menu("x", {menu("y")})});
+  EXPECT_EQ(diffText(full, menu("R", {leaf})), "~ /x: kind menu -> media\n- /x/y (menu)\n");
+  EXPECT_EQ(diffText(menu("R", {leaf}), full), "~ /x: kind media -> menu\n+ /x/y (menu)\n");
 }
 
 TEST(TreeDiff, ChangedBytesBehindAName) {
@@ -68,12 +72,30 @@ TEST(TreeDiff, ChangedBytesBehindAName) {
   EXPECT_EQ(diffText(first, second).substr(0, 27), "~ /: nameField R\\x00\\x00\\x0");
 }
 
+TEST(TreeDiff, ChangedCountsOfLeavesAreToldWithAllElse) {
+  const InventoryImage first(Layout::kOneTable, menu("R", {media("x", 0, 0, {menu("")})}));
+  InventoryImage second(Layout::kOneTable, menu("R", {media("x", 0)}));
+  second.name(1, std::string_view("x\0y", 3));
+  EXPECT_EQ(diffText(first, second).substr(0, 37), "~ /x: childCount 1 -> 0, nameField x\\");
+  EXPECT_EQ(diffText(media("R", 0, 0, {menu("")}), media("S", 0)),
+            "> /: name \"R\" -> \"S\"\n~ /: childCount 1 -> 0\n");
+}
+
 TEST(TreeDiff, Moved) {
   EXPECT_EQ(diffText(menu("R", {menu("A", {menu("M", {media("x", 1), media("y", 2)})}), menu("B")}),
                      menu("R", {menu("A"), menu("B", {menu("M", {media("x", 1, 2)})})})),
             "> /A/M -> /B/M\n"
             "- /A/M/y (media)\n"
             "~ /A/M/x: rating 0 -> 2\n");
+}
+
+// The second record of that name and id finds no partner any more.
+TEST(TreeDiff, MovesEachRecordOnce) {
+  EXPECT_EQ(
+      diffText(menu("R", {menu("A", {media("x", 1)}), menu("B"), menu("C")}),
+               menu("R", {menu("A"), menu("B", {media("x", 1)}), menu("C", {media("x", 1)})})),
+      "> /A/x -> /B/x\n"
+      "+ /C/x (media)\n");
 }
 
 TEST(TreeDiff, Reordered) {
@@ -100,8 +122,14 @@ TEST(TreeDiff, ComparesCountsWhereContentsAreNotStored) {
       diffText(InventoryImage(Layout::kOneTable, first), InventoryImage(Layout::kTwoTable, first)),
       "");
   EXPECT_EQ(
-      diffText(InventoryImage(Layout::kTwoTable, first), InventoryImage(Layout::kTwoTable, second)),
-      "~ /Playlists: childCount 1 -> 2\n");
+      diffText(InventoryImage(Layout::kTwoTable, first), InventoryImage(Layout::kOneTable, first)),
+      "");
+  for (const Layout layout : {Layout::kOneTable, Layout::kTwoTable}) {
+    EXPECT_EQ(diffText(InventoryImage(Layout::kTwoTable, first), InventoryImage(layout, second)),
+              "~ /Playlists: childCount 1 -> 2\n");
+    EXPECT_EQ(diffText(InventoryImage(layout, first), InventoryImage(Layout::kTwoTable, second)),
+              "~ /Playlists: childCount 1 -> 2\n");
+  }
 }
 
 TEST(TreeDiff, SaysWhatSharingChanged) {
@@ -111,6 +139,7 @@ TEST(TreeDiff, SaysWhatSharingChanged) {
   const InventoryImage apart(
       Layout::kOneTable, menu("R", {menu("A", {media("x", 1, 3)}), menu("B", {media("x", 1, 1)})}));
   EXPECT_EQ(diffText(apart, shared), "~ /B/x: rating 1 -> 3 (shared data record)\n");
+  EXPECT_EQ(diffText(shared, apart), "~ /B/x: rating 3 -> 1 (shared data record)\n");
 }
 
 TEST(TreeDiff, ComparesTheSoundPartOfADamagedFile) {

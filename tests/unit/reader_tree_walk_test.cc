@@ -200,6 +200,26 @@ TEST(TreeWalk, TakesALonePlaylistsMenuForDamagedWhenItsIndexIsZero) {
   EXPECT_EQ(shapeOf(viewOf(image)), "0(1C)");
 }
 
+TEST(TreeWalk, StorageOrderIsThatOfTheMenuWithOneTable) {
+  const Sketch root = menu("Home", {menu("Playlists", {media("X", 1)}), menu("A")});
+  const InventoryImage image(Layout::kOneTable, root);
+  EXPECT_EQ(shapeOf(viewOf(image), WalkOrder::kStorage), "0(1(3)2)");
+}
+
+// A menu whose children are left out has none to put off either.
+TEST(TreeWalk, StorageOrderCanLeaveOutChildren) {
+  const Sketch inner = menu("A", {menu("Playlists", {media("X", 1)}), menu("B")});
+  const InventoryImage image(Layout::kTwoTable, menu("Home", {menu("Playlists"), inner}));
+  TreeWalk walk(viewOf(image), WalkOrder::kStorage);
+  std::vector<std::uint32_t> seen;
+  for (auto event = walk.next(); event != TreeWalk::Event::kEnd; event = walk.next()) {
+    if (event != TreeWalk::Event::kEnter) continue;
+    seen.push_back(walk.current().record);
+    if (walk.current().record == 2) walk.skipChildren();
+  }
+  EXPECT_EQ(seen, (std::vector<std::uint32_t>{0, 2, 1}));
+}
+
 TEST(TreeWalk, StorageOrderHoldsOnEveryLevel) {
   const Sketch inner = menu("A", {menu("Playlists", {media("X", 1)}), menu("B", {media("Y", 2)})});
   const InventoryImage image(Layout::kTwoTable,

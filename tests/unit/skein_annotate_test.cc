@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "inventory_image.h"
+#include "reader/annotation.h"
 #include "skein/annotate.h"
 #include "verb_runner.h"
 
@@ -12,6 +13,34 @@ namespace {
 
 bool holds(const std::string& text, const std::string& part) {
   return text.find(part) != std::string::npos;
+}
+
+// Whether the fields follow each other from the start of a file.
+class ConsecutiveFields : public AnnotationSink {
+ public:
+  void section(const std::string& /*title*/) override {}
+  void field(const AnnotatedField& field) override {
+    EXPECT_EQ(field.offset, end_) << field.name;
+    EXPECT_GT(field.size, 0U) << field.name;
+    end_ += field.size;
+  }
+  std::uint64_t end() const { return end_; }
+
+ private:
+  std::uint64_t end_ = 0;
+};
+
+TEST(Annotate, HasNoFieldsWithoutBytes) {
+  for (const Layout layout : {Layout::kOneTable, Layout::kTwoTable}) {
+    for (const std::size_t length : {0U, 1U, 63U, 64U}) {
+      InventoryImage image(layout, menu(std::string(length, 'n'), {media("", 1)}));
+      image.name(1, std::string_view("\0tail", 5));
+      ConsecutiveFields fields;
+      const TreeIndex index(viewOf(image));
+      Annotation(index, fields).run();
+      EXPECT_EQ(fields.end(), image.size());
+    }
+  }
 }
 
 TEST(Annotate, ExplainsEveryFieldOfAOneTableFile) {

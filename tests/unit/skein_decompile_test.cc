@@ -133,6 +133,9 @@ TEST_P(DecompileOfLayout, KnowsHowDeepXmlMayBe) {
   Sketch tree = menu("innermost");
   for (int i = 0; i < 256; ++i) tree = menu(std::to_string(i), {tree});
   expectExact(InventoryImage(GetParam(), tree), GetParam());
+  Sketch leaf = media("innermost", 1);
+  for (int i = 0; i < 256; ++i) leaf = menu(std::to_string(i), {leaf});
+  expectExact(InventoryImage(GetParam(), leaf), GetParam());
   Sketch filled = media("innermost", 1, 0, {menu("")});
   for (int i = 0; i < 256; ++i) filled = menu(std::to_string(i), {filled});
   EXPECT_EQ(lossesIn(InventoryImage(GetParam(), filled).bytes()).substr(0, 8), "too-deep");
@@ -188,6 +191,40 @@ TEST(Decompile, NamesDisplacedLeavesThatNoWriterWouldMake) {
   image.firstChild(1, kNoChildren);
   expectLoss(image, Layout::kTwoTable, "not-canonical@/Playlists");
   expectExact(InventoryImage(Layout::kTwoTable, menu("R", {menu("A"), leaf})), Layout::kTwoTable);
+}
+
+// Contents that are stored all the same can only be carried by a menu, which has no id.
+TEST(Decompile, NamesTheIdOfAPlaylistsMenuWithContents) {
+  Sketch first = menu("Playlists");
+  first.mediaId = 5;
+  InventoryImage image(Layout::kTwoTable,
+                       menu("R", {first, menu("A", {media("x", 1)}), menu("Playlists")}));
+  image.firstChild(1, 4).childCount(1, 1).childCount(2, 0).firstChild(3, 4);
+  expectLoss(image, Layout::kTwoTable, "menu-id@/Playlists not-canonical@/Playlists");
+}
+
+TEST(Decompile, NamesTheFirstDataRecordThatAnotherOneRepeats) {
+  std::vector<Sketch> songs;
+  for (int i = 0; i < 40; ++i) songs.push_back(media(i % 2 == 0 ? "odd" : "even", 7));
+  const InventoryImage image(Layout::kTwoTable, menu("R", songs));
+  EXPECT_NE(
+      decompileOf(image.bytes())
+          .messages.find("record 4 (/even): error: a writer would let it share data record 2 ["),
+      std::string::npos);
+}
+
+TEST(Decompile, NamesARecordThatSharesTheRootsItem) {
+  InventoryImage image(Layout::kTwoTable, menu("R", {menu("A"), menu("B")}));
+  image.dataIndex(1, 0).dataIndex(2, 1).number(40, 2).cutTo(image.size() - 72);
+  expectLoss(image, Layout::kTwoTable, "not-canonical@/R");
+}
+
+TEST(Decompile, NamesTheFirstRecordThatStandsElsewhere) {
+  InventoryImage image(Layout::kTwoTable, menu("R", {menu("A"), menu("B"), menu("C"), menu("D")}));
+  image.dataIndex(1, 2).dataIndex(2, 1).dataIndex(3, 4).dataIndex(4, 3);
+  EXPECT_NE(decompileOf(image.bytes())
+                .messages.find("record 1 (/B): error: a writer would give it data record 1 ["),
+            std::string::npos);
 }
 
 TEST(Decompile, KeepsWhatSharingGaveToAMenu) {

@@ -34,6 +34,16 @@ class FailingSink : public ByteSink {
   int pieces_;
 };
 
+// Notes how much it is given at a time.
+class PieceSizes : public ByteSink {
+ public:
+  bool put(std::string_view bytes) override {
+    sizes.push_back(bytes.size());
+    return true;
+  }
+  std::vector<std::size_t> sizes;
+};
+
 // Puts `text` on standard input as a pipe, for as long as the object lives.
 class PipedInput {
  public:
@@ -92,6 +102,28 @@ TEST(OutputBuffer, HandsOnEverythingInOrder) {
   expected += "18446744073709551615";
   EXPECT_TRUE(out.flush());
   EXPECT_TRUE(sink.text() == expected);
+}
+
+TEST(OutputBuffer, HandsOnLargePiecesOnly) {
+  constexpr std::size_t kCapacity = std::size_t{1} << 17;
+  using Sizes = std::vector<std::size_t>;
+  PieceSizes sink;
+  OutputBuffer out(sink);
+  EXPECT_TRUE(out.flush());
+  out.hex(0xAB, 4);
+  out.number(5);
+  out.put('x');
+  out.put("yz");
+  EXPECT_EQ(sink.sizes, Sizes{});
+  out.put(std::string(kCapacity, 'x'));
+  EXPECT_EQ(sink.sizes, Sizes{8});
+  out.put(std::string(kCapacity + 1, 'x'));
+  EXPECT_EQ(sink.sizes, (Sizes{8, kCapacity, kCapacity + 1}));
+  out.fill('x', kCapacity - 2);
+  out.hex(0xAB, 2);
+  EXPECT_EQ(sink.sizes.size(), 3U);
+  out.put('x');
+  EXPECT_EQ(sink.sizes, (Sizes{8, kCapacity, kCapacity + 1, kCapacity}));
 }
 
 TEST(OutputBuffer, KeepsToTheFirstFailure) {
