@@ -27,14 +27,10 @@ set(skein_test_sources
   unit/skein_round_trip_test.cc
   unit/skein_stats_test.cc
   unit/written_inventory.cc)
-add_executable(skein_unit_tests ${skein_test_sources})
-target_link_libraries(skein_unit_tests PRIVATE
-  skein_test_support skeinmake_lib nlohmann_json::nlohmann_json GTest::gmock GTest::gtest_main)
-target_precompile_headers(skein_unit_tests PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
-skeinmake_configure(skein_unit_tests)
-target_compile_definitions(skein_unit_tests PRIVATE
-  SKEIN_CORPUS="${PROJECT_SOURCE_DIR}/fuzz/seeds/inventory_view")
-gtest_discover_tests(skein_unit_tests DISCOVERY_MODE PRE_TEST)
+skeinmake_unit_tests(skein_unit_tests ${skein_test_sources})
+target_link_libraries(skein_unit_tests PRIVATE skein_test_support nlohmann_json::nlohmann_json)
+set_source_files_properties(unit/skein_hostile_test.cc PROPERTIES
+  COMPILE_DEFINITIONS SKEIN_CORPUS="${PROJECT_SOURCE_DIR}/fuzz/seeds/inventory_view")
 
 add_test(NAME skein_schemas
   COMMAND Python3::Interpreter "${CMAKE_CURRENT_SOURCE_DIR}/skein_schema_test.py"
