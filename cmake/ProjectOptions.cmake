@@ -11,7 +11,8 @@ endfunction()
 
 # skeinmake_configure(TARGET [TEST_CODE]): the warnings and, when asked for, the sanitizers or the
 # counters that every target of this project is compiled with, and the hardening of a release.
-# libxml++'s own headers are system headers and stay out of it. TEST_CODE is for what only tests.
+# libxml++'s own headers are system headers and stay out of it. TEST_CODE is for what only tests, and
+# doesn't work long at it.
 function(skeinmake_configure target)
   cmake_parse_arguments(PARSE_ARGV 1 arg "TEST_CODE" "" "")
   target_compile_options(${target} PRIVATE
@@ -26,7 +27,7 @@ function(skeinmake_configure target)
     target_compile_options(${target} PRIVATE ${flags})
     target_link_options(${target} PRIVATE ${flags})
     if(arg_TEST_CODE)
-      # Sanitizers see as much of unoptimised code, which takes a third of the time to compile.
+      # Sanitizers see as much of unoptimised code, which is compiled in half the time.
       target_compile_options(${target} PRIVATE -O0)
     elseif(SKEINMAKE_BUILD_FUZZ)
       # Fuzzers go by what the code under test does, so that has to be watched, too.
