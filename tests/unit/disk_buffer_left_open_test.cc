@@ -26,6 +26,17 @@ TEST_F(DiskBufferLeftOpen, NoOtherStreamCanBeOpened) {
   EXPECT_EQ(readFile(path_), "kept");
 }
 
+TEST_F(DiskBufferLeftOpen, NothingCanBeWrittenAfterOpeningAgain) {
+  OpenDiskBuffer buffer(path_);
+  ASSERT_TRUE(buffer.openForWrite());
+  put(buffer, "kept");
+  failATransfer(buffer);
+  EXPECT_TRUE(buffer.openForWrite());
+  expectThrown<OVWriteError>([&] { put(buffer, "refused"); }, kWriteMessage);
+  EXPECT_TRUE(buffer.close());
+  EXPECT_EQ(readFile(path_), "kept");
+}
+
 TEST_F(DiskBufferLeftOpen, ClosingStillTellsThatWritingFailed) {
   OpenDiskBuffer buffer("/dev/full");
   ASSERT_TRUE(buffer.openForWrite());
