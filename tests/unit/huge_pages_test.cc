@@ -29,6 +29,10 @@ TEST(HugePages, GivesMemoryOfEverySize) {
 
 // Pages are told by what is on them: nobody clears what was freed.
 TEST(HugePages, UsesThePagesOfWhatWasFreedForOthersOfAnySize) {
+  // Takes what other tests have freed.
+  constexpr std::size_t kMuch = std::size_t{1} << 30;
+  void* const others = allocateLarge(kMuch);
+
   constexpr std::size_t kSize = 2 * kHugePageSize;
   constexpr char kMark = 'm';
   void* const one = allocateLarge(kSize);
@@ -45,6 +49,7 @@ TEST(HugePages, UsesThePagesOfWhatWasFreedForOthersOfAnySize) {
   std::memset(rest, 0, 3 * kHugePageSize);
   freeLarge(both, 3 * kHugePageSize);
   freeLarge(rest, 3 * kHugePageSize);
+  freeLarge(others, kMuch);
 }
 
 TEST(HugePages, RefusesWhatNoMachineHas) {
