@@ -7,18 +7,9 @@
 
 namespace Orvane {
 
-void TrackIndex::addToTable(const Track& track) {
-  constexpr std::size_t kAhead = (std::size_t{1} << 23) / sizeof(const Track*);
-  tracksByNumber_.push_back(&track);
-  const std::size_t size = tracksByNumber_.size();
-  if (size % kAhead == 0 && tracksByNumber_.capacity() - size >= 2 * kAhead) {
-    makePagesAhead(tracksByNumber_.data() + size + kAhead, kAhead * sizeof(const Track*));
-  }
-}
-
 bool TrackIndex::add(Track& track) {
   const auto number = static_cast<Number>(tracksByNumber_.size());
-  addToTable(track);
+  tracksByNumber_.push_back(&track);
   Number& entered = tracksById_.enter(track.getMediaId(), number);
   if (entered == kNoTrack) entered = number;
   if (entered != number) {

@@ -89,8 +89,6 @@ class TrackIndex {
   static constexpr Number kNoTrack = 0;
   static constexpr Number kMaxToldNumber = 0x3FFFFFFF;  // what a track has room for
 
-  void addToTable(const Track& track);
-
   TrackTable tracksByNumber_ = {nullptr};
   // The track list is the end of the table until a track is removed.
   Number firstOfList_ = 1;

@@ -86,8 +86,7 @@ void* allocateLarge(std::size_t size) {
 
 void makePagesAhead(void* memory, std::size_t size) {
 #ifdef MADV_POPULATE_WRITE
-  constexpr std::size_t kWorthAThread = std::size_t{1} << 23;
-  if (size < kWorthAThread || std::thread::hardware_concurrency() < 2) return;
+  if (std::thread::hardware_concurrency() < 2) return;
   const auto makePages = [begin = static_cast<std::byte*>(memory), size] {
     for (std::size_t at = 0; at < size; at += kHugePageSize) {
       if (::madvise(begin + at, kHugePageSize, MADV_POPULATE_WRITE) != 0) return;

@@ -69,16 +69,17 @@ TEST(Arena, GivesBackOnlyWhatHasMemoryOfItsOwn) {
 // As after many large blocks, of which the next is had before it is needed.
 TEST(Arena, StartsAnewWhenCleared) {
   Arena arena;
-  constexpr std::size_t kPiece = std::size_t{1} << 20;
+  constexpr std::size_t kPiece = 4000;
+  constexpr std::uint32_t kPieces = 20'000;
   for (int round = 0; round < 2; ++round) {
     std::vector<std::uint8_t*> pieces;
-    for (std::uint8_t i = 0; i < 100; ++i) {
+    for (std::uint32_t i = 0; i < kPieces; ++i) {
       pieces.push_back(static_cast<std::uint8_t*>(arena.allocate(kPiece, 1)));
-      pieces.back()[0] = pieces.back()[kPiece - 1] = i;
+      pieces.back()[0] = pieces.back()[kPiece - 1] = static_cast<std::uint8_t>(i);
     }
-    for (std::uint8_t i = 0; i < 100; ++i) {
-      EXPECT_EQ(pieces[i][0], i);
-      EXPECT_EQ(pieces[i][kPiece - 1], i);
+    for (std::uint32_t i = 0; i < kPieces; ++i) {
+      ASSERT_EQ(pieces[i][0], static_cast<std::uint8_t>(i));
+      ASSERT_EQ(pieces[i][kPiece - 1], static_cast<std::uint8_t>(i));
     }
     arena.clear();
     EXPECT_EQ(arena.keep("anew"), "anew");

@@ -11,6 +11,7 @@
 #include <map>
 #include <random>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -201,6 +202,14 @@ TEST(CategoryIndex, SameNameInAnotherCaseMovesNothing) {
   index.insert(1, "BETA", 2);
   EXPECT_THAT(index.tracksInOrder(), ElementsAre(1, 0, 2));
   EXPECT_EQ(index.nameOf(1), "BETA");
+}
+
+TEST(CategoryIndex, TheSamePlaceMayHoldAShorterName) {
+  const std::string text = "Abba";
+  CategoryIndex index(CategoryIndex::Order::kByName);
+  index.insert(1, text, 1);
+  index.insert(1, std::string_view(text).substr(0, 2), 2);
+  EXPECT_EQ(index.nameOf(1), "Ab");
 }
 
 TEST(CategoryIndex, ByNumberTakesNoNotice) {

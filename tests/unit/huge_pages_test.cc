@@ -52,6 +52,17 @@ TEST(HugePages, UsesThePagesOfWhatWasFreedForOthersOfAnySize) {
   freeLarge(others, kMuch);
 }
 
+TEST(HugePages, KeepsNoMoreThanItCan) {
+  std::vector<void*> pieces(80);
+  for (int round = 0; round < 2; ++round) {
+    for (void*& piece : pieces) {
+      piece = allocateLarge(kHugePageSize);
+      std::memset(piece, round, 1);
+    }
+    for (void* const piece : pieces) freeLarge(piece, kHugePageSize);
+  }
+}
+
 TEST(HugePages, RefusesWhatNoMachineHas) {
   for (const std::size_t size : {SIZE_MAX, SIZE_MAX / 2, std::size_t{1} << 62}) {
     EXPECT_THROW(allocateLarge(size), std::bad_alloc) << size;

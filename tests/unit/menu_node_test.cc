@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "test_support.h"
+#include "tree/menu_tree.h"
 #include "tree/track.h"
 
 namespace Orvane {
@@ -92,8 +93,10 @@ TEST(MenuNode, SetSpareReturnsWhatItStores) {
 TEST(MenuNode, SetTrackStoresThePointerOnly) {
   Track track;
   MenuNode node;
-  node.setTrack(&track);
-  EXPECT_EQ(node.getTrack(), &track);
+  for (int i = 0; i < 2; ++i) {
+    node.setTrack(&track);
+    EXPECT_EQ(node.getTrack(), &track);
+  }
 }
 
 TEST(MenuNode, SetAllLeavesSpareTrackAndChildren) {
@@ -144,6 +147,22 @@ TEST(MenuNode, LongNamesPileUp) {
   EXPECT_EQ(node.getName(), std::string(62, 'y') + std::string(62, 'x'));
   node.setName("");
   EXPECT_EQ(node.getName(), "");
+}
+
+// In trees and alone, where what few nodes have is kept in different places.
+TEST(MenuNode, LongNamesPileUpBeyondWhatANodeHasRoomFor) {
+  MenuTree tree;
+  MenuNode alone;
+  for (MenuNode* const node : {&alone, &tree.getRoot()->appendChild([](MenuNode&) {})}) {
+    std::string expected;
+    for (char c = 'a'; c < 'h'; ++c) {
+      node->setName(std::string(80, c));
+      expected.insert(0, std::string(62, c));
+      ASSERT_EQ(node->getName(), expected);
+    }
+    node->setName("short again");
+    EXPECT_EQ(node->getName(), "short again");
+  }
 }
 
 TEST(MenuNode, NameLengthCountsBytes) {

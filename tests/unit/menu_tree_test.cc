@@ -83,6 +83,13 @@ TEST(MenuTree, DestructionFreesEverything) {
   EXPECT_EQ(test::liveAllocations(), before);
 }
 
+TEST(MenuTree, SubtreesApartNeedNoTable) {
+  MenuTree tree;
+  MenuNode& apart = tree.appendApart();
+  EXPECT_EQ(apart.getTrackTable(), nullptr);
+  EXPECT_EQ(tree.getRoot()->childrenBegin()[0], &apart);
+}
+
 TEST(MenuTree, SubtreesApartArePartOfTheTree) {
   MenuTree tree;
   Track track;

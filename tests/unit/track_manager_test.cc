@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <sstream>
@@ -200,6 +201,13 @@ TEST(Track, IsStreamedAsTitleArtistAndAlbum) {
   std::ostringstream out;
   out << track;
   EXPECT_EQ(out.str(), "Song | Singer | Record");
+}
+
+TEST(TrackManager, ExpectingMoreThanThereIsMemoryForDoesNoHarm) {
+  TrackManager manager;
+  manager.expectTracks(std::size_t{1} << 45);
+  manager.addTrack("title", 1, "artist", 2, "album", 3, "genre", 4, 0);
+  EXPECT_TRUE(manager.hasTrack(1));
 }
 
 }  // namespace
