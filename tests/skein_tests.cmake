@@ -20,15 +20,18 @@ set(skein_test_sources
   unit/skein_decompile_test.cc
   unit/skein_diff_report_test.cc
   unit/skein_dump_test.cc
+  unit/skein_failing_output_test.cc
   unit/skein_hostile_test.cc
   unit/skein_interrupted_test.cc
   unit/skein_odd_records_test.cc
   unit/skein_output_test.cc
   unit/skein_round_trip_test.cc
   unit/skein_stats_test.cc
+  unit/skein_xml_memory_test.cc
   unit/written_inventory.cc)
 skeinmake_unit_tests(skein_unit_tests ${skein_test_sources})
-target_link_libraries(skein_unit_tests PRIVATE skein_test_support nlohmann_json::nlohmann_json)
+target_link_libraries(skein_unit_tests
+  PRIVATE skein_test_support nlohmann_json::nlohmann_json PkgConfig::LIBXML2)
 set_source_files_properties(unit/skein_hostile_test.cc PROPERTIES
   COMPILE_DEFINITIONS SKEIN_CORPUS="${PROJECT_SOURCE_DIR}/fuzz/seeds/inventory_view")
 

@@ -1,3 +1,5 @@
+#include <array>
+
 #include "reader/text_escape.h"
 #include "skein/check.h"
 #include "skein/console.h"
@@ -54,22 +56,14 @@ error_t parse(int key, char* arg, argp_state* state) {
 
 void listRules(const RuleSettings& settings, OutputBuffer& out) {
   constexpr std::size_t kNameWidth = 22;
+  constexpr std::array<std::string_view, 3> kSeverityColumn = {"off      ", "warning  ",
+                                                               "error    "};
   for (std::size_t i = 0; i < kRuleCount; ++i) {
     const Rule rule = static_cast<Rule>(i);
     const RuleInfo& info = infoOf(rule);
     out.put(info.name);
     out.fill(' ', kNameWidth - info.name.size());
-    switch (settings.of(rule)) {
-      case Severity::kOff:
-        out.put("off      ");
-        break;
-      case Severity::kWarning:
-        out.put("warning  ");
-        break;
-      case Severity::kError:
-        out.put("error    ");
-        break;
-    }
+    out.put(kSeverityColumn[static_cast<std::size_t>(settings.of(rule))]);
     out.put(info.summary);
     out.put('\n');
   }

@@ -164,7 +164,7 @@ bool textWritten() {
 }
 
 void initChildren(argp_state* state, VerbInput& input, std::size_t count) {
-  for (std::size_t i = 0; i < count; ++i) state->child_inputs[i] = &input;
+  std::fill_n(state->child_inputs, count, &input);
 }
 
 void addFile(CommonOptions& options, std::string_view word) {

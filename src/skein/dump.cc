@@ -48,10 +48,11 @@ class Dump {
     begin();
     check_.framing();
     bool complete = options_.path.empty() && options_.record == 0;
-    for (auto event = walk_.next(); event != TreeWalk::Event::kEnd; event = walk_.next()) {
-      if (job_.printing.out.failed()) break;
+    TreeWalk::Event event{};
+    do {
+      event = walk_.next();
       if (event == TreeWalk::Event::kEnter) complete = visit(walk_.current()) && complete;
-    }
+    } while (event != TreeWalk::Event::kEnd && !job_.printing.out.failed());
     findings_.setDepth(0);
     if (complete) check_.remainder(walk_.parents());
     if (job_.printing.format == Format::kJson) job_.json.endArray();

@@ -13,11 +13,11 @@ void FindingPrinter::found(const Finding& finding) {
     ++warnings_;
     if (job_.printing.quiet) return;
   }
-  // The finding itself has been counted already.
-  if (printed() > options_.limit) {
+  if (printed_ == options_.limit) {
     ++omitted_;
     return;
   }
+  ++printed_;
   print(finding, severity);
 }
 

@@ -28,9 +28,7 @@ class FindingPrinter : public FindingSink {
   std::uint64_t errors() const { return errors_; }
   std::uint64_t warnings() const { return warnings_; }
   // Findings that have been printed.
-  std::uint64_t printed() const {
-    return errors_ + (job_.printing.quiet ? 0 : warnings_) - omitted_;
-  }
+  std::uint64_t printed() const { return printed_; }
   // Findings that the limit kept from being printed.
   std::uint64_t omitted() const { return omitted_; }
 
@@ -52,6 +50,7 @@ class FindingPrinter : public FindingSink {
   const Options options_;
   std::uint64_t errors_ = 0;
   std::uint64_t warnings_ = 0;
+  std::uint64_t printed_ = 0;
   std::uint64_t omitted_ = 0;
 };
 

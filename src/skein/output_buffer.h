@@ -29,10 +29,7 @@ class OutputBuffer {
       putLarge(text);
       return;
     }
-    // An empty view may have no data at all, which memcpy does not allow.
-    if (text.empty()) return;
-    std::memcpy(buffer_->data() + used_, text.data(), text.size());
-    used_ += text.size();
+    used_ += text.copy(buffer_->data() + used_, text.size());
   }
 
   void put(char c) {
@@ -76,15 +73,8 @@ class OutputBuffer {
   static constexpr std::size_t kMaxDigits = 20;
   using Bytes = std::array<char, kCapacity>;
 
-  void putLarge(std::string_view text) {
-    flush();
-    if (text.size() <= kCapacity) {
-      std::memcpy(buffer_->data(), text.data(), text.size());
-      used_ = text.size();
-    } else if (!failed_) {
-      failed_ = !sink_.put(text);
-    }
-  }
+  // What does not fit behind what is there already.
+  void putLarge(std::string_view text);
 
   ByteSink& sink_;
   std::unique_ptr<Bytes> buffer_;

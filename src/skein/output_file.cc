@@ -30,12 +30,12 @@ mode_t modeByMask() {
 
 std::unique_ptr<OutputFile> OutputFile::create(const std::string& name, const std::string& input,
                                                std::string& error) {
+  // What is not there leaves all of its status 0, which is no file's.
   struct stat existing {};
   struct stat source {};
   const bool exists = ::stat(name.c_str(), &existing) == 0;
-  const bool known =
-      input == "-" ? ::fstat(STDIN_FILENO, &source) == 0 : ::stat(input.c_str(), &source) == 0;
-  if (exists && known && S_ISREG(existing.st_mode) && existing.st_dev == source.st_dev &&
+  static_cast<void>(input == "-" ? ::fstat(STDIN_FILENO, &source) : ::stat(input.c_str(), &source));
+  if (S_ISREG(existing.st_mode) && existing.st_dev == source.st_dev &&
       existing.st_ino == source.st_ino) {
     error = "is the input, which would be overwritten";
     return nullptr;

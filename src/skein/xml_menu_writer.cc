@@ -79,8 +79,11 @@ XmlMenuWriter::XmlMenuWriter(OutputBuffer& out) {
     xmlOutputBufferClose(buffer);
     throw std::bad_alloc();
   }
-  // The declaration ends its line, so the first element needs no line break.
-  require(xmlTextWriterStartDocument(writer_.get(), nullptr, "UTF-8", nullptr));
+  // Not as the start of a document with an encoding: the library would convert UTF-8 to UTF-8, and
+  // drop all that it has no memory to convert without telling. The declaration ends its line, so
+  // the first element needs no line break.
+  constexpr const char* kDeclaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+  require(xmlTextWriterWriteRaw(writer_.get(), xmlText(kDeclaration)));
 }
 
 void XmlMenuWriter::breakLine() {

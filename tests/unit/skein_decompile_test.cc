@@ -160,6 +160,20 @@ TEST_P(DecompileOfLayout, ReportsDamageAndWritesTheRest) {
   EXPECT_NE(result.out.find("<media name=\"Song C\""), std::string::npos);
 }
 
+TEST_P(DecompileOfLayout, NamesRatingsOfADamagedFileToo) {
+  Sketch rated = menu("M");
+  rated.rating = 2;
+  InventoryImage image(GetParam(), menu("R", {rated}));
+  EXPECT_EQ(lossesIn(image.byte(1, 9).bytes()), "header-constant menu-rating@/M");
+}
+
+TEST(Decompile, WritesAnEmptyTreeForNoRecords) {
+  InventoryImage none(Layout::kOneTable, menu("R"));
+  none.number(24, 0).cutTo(32);
+  EXPECT_EQ(decompileOf(none.bytes()).out,
+            "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<inventory/>\n");
+}
+
 TEST(Decompile, KeepsDisplacedMenus) {
   const Sketch tree = menu("R", {menu("Playlists", {media("x", 1), media("y", 2)}), menu("A"),
                                  menu("Playlists", {media("z", 3)}), menu("B", {menu("C")})});

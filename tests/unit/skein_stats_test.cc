@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -95,6 +96,14 @@ TEST(Stats, UnusedDataRecordsSaveNothing) {
   EXPECT_EQ(nlohmann::json::parse(out)["files"][0]["tableBytes"]["savedBySharing"], 0);
 }
 
+TEST(Stats, TextTellsOtherBytesOfEitherLayout) {
+  for (const Layout layout : {Layout::kOneTable, Layout::kTwoTable}) {
+    InventoryImage image(layout, menu("R"));
+    EXPECT_EQ(statsOf(image.bytes()).out.find("  other"), std::string::npos);
+    EXPECT_NE(statsOf(image.append("more").bytes()).out.find("  other"), std::string::npos);
+  }
+}
+
 TEST(Stats, TextLeavesOutWhatThereIsNoneOf) {
   const std::string plain = statsOf(InventoryImage(Layout::kTwoTable, menu("R")).bytes()).out;
   for (const char* const absent :
@@ -123,8 +132,12 @@ TEST(Stats, WithoutARootNothingIsDeepest) {
 TEST(Stats, OnlyLinesSayWhatTheyAre) {
   const InventoryImage image(Layout::kTwoTable, menu("R"));
   EXPECT_FALSE(statsJson(image).contains("type"));
-  EXPECT_NE(statsOf(image.bytes(), Format::kJsonLines).out.find("\n{\"type\":\"stats\""),
-            std::string::npos);
+  std::istringstream lines(statsOf(image.bytes(), Format::kJsonLines).out);
+  for (const char* const type : {"file", "stats", "end"}) {
+    std::string line;
+    std::getline(lines, line);
+    EXPECT_EQ(nlohmann::json::parse(line)["type"], type) << line;
+  }
 }
 
 }  // namespace
