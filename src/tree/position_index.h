@@ -13,7 +13,7 @@ namespace Orvane {
 
 // The hash of a name together with an id, for PositionIndex.
 inline std::uint32_t hashNameAndId(std::string_view name, std::uint32_t id) {
-  return static_cast<std::uint32_t>(foldedProduct(hashOfName(name) ^ id, kHashKey.odd));
+  return static_cast<std::uint32_t>(hashOfNumber(hashOfName(name) ^ id));
 }
 
 // Finds elements of a growing sequence by key without holding them: an open-addressing hash table

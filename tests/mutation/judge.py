@@ -25,8 +25,10 @@ import run as golden  # noqa: E402
 SLOWEST = 0.6
 # One that takes longer than this runs only when all that are faster have passed.
 QUICK = 0.03
-# In seconds: the end of a program that waits for what never comes.
+# In seconds: the end of a program that waits for what never comes; and of one in which nothing else
+# is done.
 LONGEST_WAIT = 120
+LONGEST_IDLENESS = 20
 
 
 @dataclass
@@ -78,12 +80,32 @@ def command_fails(command: list, scratch: Path, limit: float, variables: dict[st
 def wait_in_turns(process: subprocess.Popen) -> int | None:
     """The status of a process that ends. All may be stopped for a while, this program and its
     children alike, so the time on the clock says nothing."""
+    before, idle = None, 0
     for _ in range(LONGEST_WAIT):
         try:
             return process.wait(1)
         except subprocess.TimeoutExpired:
-            pass
+            now = session_state(process.pid)
+            idle = idle + 1 if now == before and not {"R", "T"} & set(now[1]) else 0
+            before = now
+            if idle >= LONGEST_IDLENESS:
+                break
     return None
+
+
+def session_state(session: int) -> tuple[int, str]:
+    """The processor time, in ticks, that the processes of a session have used, and a letter for the
+    state of each."""
+    ticks, states = 0, ""
+    for stat in Path("/proc").glob("[0-9]*/stat"):
+        try:
+            fields = stat.read_text().rpartition(")")[2].split()
+        except OSError:  # it has just ended
+            continue
+        if fields[3] == str(session):
+            ticks += sum(map(int, fields[11:15]))
+            states += fields[0]
+    return ticks, states
 
 
 def start(command: list, **options) -> subprocess.Popen:

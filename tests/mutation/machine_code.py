@@ -27,8 +27,9 @@ ALWAYS, NEVER = "always", "never"
 FUNCTION = re.compile(r"^([0-9a-f]+) <(.+)>:$")
 INSTRUCTION = re.compile(r"^ *([0-9a-f]+):\t((?:[0-9a-f]{2} )+) *\t(\w+) *([^#]*)")
 # The standard library's templates may stand in our object files, but they aren't ours to test.
-# Neither is what runs the constructors of global objects.
-FOREIGN = re.compile(r"^_ZN?K?(S[tabsiod]|9__gnu_cxx)|__static_initialization|^_GLOBAL__")
+# Neither are its mutexes, nor what runs the constructors of global objects.
+FOREIGN = re.compile(r"^_ZN?K?(S[tabsiod]|9__gnu_cxx)|^_ZL\d+__gthread_|__static_initialization|"
+                     "^_GLOBAL__")
 CONDITIONAL = re.compile(r"^(j(?!mp)|set|cmov)[a-z]+$")
 
 

@@ -178,6 +178,17 @@ TEST_F(CategoryIndexChanges, OfNamesWithRemovalsInBetween) {
   }
 }
 
+// The entries fill many pieces of memory, which don't all stand together.
+TEST_F(CategoryIndexChanges, OfNamesAfterManyEntries) {
+  for (int entries = 0; entries < 20'000; ++entries) {
+    const std::uint32_t id = below(12);
+    insert(id, std::string(1, static_cast<char>('k' - id % 5)));
+  }
+  ASSERT_NO_FATAL_FAILURE(expectSame());
+  insert(3, "another");
+  ASSERT_NO_FATAL_FAILURE(expectSame());
+}
+
 TEST(CategoryIndex, OfNothingHasNothing) {
   const CategoryIndex index(CategoryIndex::Order::kByName);
   EXPECT_THAT(index.tracksInOrder(), IsEmpty());

@@ -33,11 +33,14 @@ struct Pair {
   Named second;
 };
 
-// Two names of equal hash; their ids are equal or not.
-Pair findPair(bool equalIds) {
+enum class Differing { kNames, kIds, kBoth };
+
+// Two that have the same hash.
+Pair findPair(Differing differing) {
   std::unordered_map<std::uint32_t, Named> known;
   for (std::uint32_t i = 0; i < 4'000'000; ++i) {
-    Named named{"n" + std::to_string(i), equalIds ? 1 : i};
+    Named named{differing == Differing::kIds ? "name" : "n" + std::to_string(i),
+                differing == Differing::kNames ? 1 : i};
     const std::uint32_t hash = hashNameAndId(named.name, named.id);
     const auto [other, isNew] = known.try_emplace(hash, named);
     if (!isNew) return {other->second, std::move(named)};
@@ -66,7 +69,7 @@ std::vector<std::string> childrenOf(const TrackManager& manager, std::string_vie
   return names;
 }
 
-class EqualHashes : public ::testing::TestWithParam<bool> {
+class EqualHashes : public ::testing::TestWithParam<Differing> {
  protected:
   const Pair pair_ = findPair(GetParam());
 };
@@ -92,16 +95,18 @@ TEST_P(EqualHashes, AlbumsOfAnArtistAreToldApart) {
 }
 
 TEST(EqualHashesOfAlbums, DifferentIdsAreToldApart) {
-  const Pair pair = findPair(false);
-  TrackManager manager;
-  for (const Named& album : {pair.first, pair.second, pair.first}) addAlbum(manager, album);
-  EXPECT_THAT(childrenOf(manager, "Albums"),
-              ::testing::UnorderedElementsAre(pair.first.name + " 2", pair.second.name + " 1"));
+  for (const Differing differing : {Differing::kIds, Differing::kBoth}) {
+    const Pair pair = findPair(differing);
+    TrackManager manager;
+    for (const Named& album : {pair.first, pair.second, pair.first}) addAlbum(manager, album);
+    EXPECT_THAT(childrenOf(manager, "Albums"),
+                ::testing::UnorderedElementsAre(pair.first.name + " 2", pair.second.name + " 1"));
+  }
 }
 
 // One album, renamed while another one stands between its two names, has two runs of tracks.
 TEST(EqualHashesOfAlbums, DifferentNamesAreToldApart) {
-  const Pair pair = findPair(true);
+  const Pair pair = findPair(Differing::kNames);
   const std::string first = std::min(pair.first.name, pair.second.name);
   const std::string last = std::max(pair.first.name, pair.second.name);
   TrackManager manager;
@@ -111,8 +116,12 @@ TEST(EqualHashesOfAlbums, DifferentNamesAreToldApart) {
   EXPECT_THAT(childrenOf(manager, "Albums"), ElementsAre(first + " 1", first + "  1", last + " 1"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Ids, EqualHashes, ::testing::Bool(),
-                         [](const auto& tested) { return tested.param ? "Equal" : "Different"; });
+INSTANTIATE_TEST_SUITE_P(Of, EqualHashes,
+                         ::testing::Values(Differing::kNames, Differing::kIds, Differing::kBoth),
+                         [](const auto& tested) {
+                           if (tested.param == Differing::kBoth) return "NamesAndIds";
+                           return tested.param == Differing::kNames ? "Names" : "Ids";
+                         });
 
 }  // namespace
 }  // namespace Orvane::test

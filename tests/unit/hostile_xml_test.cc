@@ -111,6 +111,12 @@ TEST_F(HostileXml, HasNumbersInPieces) {
   }
 }
 
+TEST_F(HostileXml, HasNumbersBehindManyKindsOfBlanks) {
+  std::string blanks;
+  for (int i = 0; i < 50; ++i) blanks += "&#9;&#10; ";
+  expectSame("<!DOCTYPE r [<!ENTITY e ' '>]><r><media mediaid='&e;" + blanks + "7'/></r>");
+}
+
 TEST_F(HostileXml, HasNamesOfEveryLengthInPieces) {
   for (std::size_t length = 55; length < 70; ++length) {
     const std::string document =
@@ -126,6 +132,37 @@ TEST_F(HostileXml, HasNamesOfEveryLengthInPieces) {
 }
 
 // Each of these would come to thousands of millions of bytes, or of steps.
+// Parameter entities, each of which refers so many times to the one before.
+std::string laughs(int levels, int times) {
+  std::string document = "<!DOCTYPE r [<!ENTITY % a0 ''>";
+  for (int level = 1; level <= levels; ++level) {
+    document += "<!ENTITY % a" + std::to_string(level) + " '";
+    for (int i = 0; i < times; ++i) document += "&#37;a" + std::to_string(level - 1) + ";";
+    document += "'>";
+  }
+  return document + "%a" + std::to_string(levels) + ";]>\n<r><m name='n'/></r>";
+}
+
+TEST_F(HostileXml, RefersToItsParameterEntitiesSomeThousandTimes) {
+  expectSame(laughs(6, 4));
+  std::string references;
+  for (int i = 0; i < 9000; ++i) references += "%a;";
+  expectSame("<!DOCTYPE r [<!ENTITY % a ''>" + references + "]><r><m name='n'/></r>");
+}
+
+// The library itself would go round in circles.
+TEST_F(HostileXml, RefersToItsParameterEntitiesTooOften) {
+  const TempDir dir;
+  const std::string path = dir / "menu.xml";
+  const std::string document = laughs(8, 10);
+  writeFile(path, document);
+  const XmlReading reading = readXmlFile(path);
+  EXPECT_EQ(reading.output, "Exception caught: Document not well-formed.\nFile " + path +
+                                ", line 1, column " + std::to_string(document.find("]>\n") + 1) +
+                                " (fatal):\nToo many references to parameter entities\n\n");
+  EXPECT_EQ(reading.lines(), std::vector<std::string>{"0: 1 0 'root' 7 0 0"});
+}
+
 TEST_F(HostileXml, SharesWhatItDeclares) {
   constexpr int kMany = 20000;
   constexpr std::size_t kLong = 1000000;

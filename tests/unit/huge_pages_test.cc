@@ -1,13 +1,16 @@
 #include "tree/huge_pages.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <new>
 #include <vector>
+
+#include "allocation_probe.h"
 
 namespace Orvane::test {
 namespace {
@@ -27,48 +30,65 @@ TEST(HugePages, GivesMemoryOfEverySize) {
   }
 }
 
-// Pages are told by what is on them: nobody clears what was freed.
+// Pages are told by what is on them: nobody clears what was freed. Pages that others have freed may
+// come after these; the mark is one that they don't have.
 TEST(HugePages, UsesThePagesOfWhatWasFreedForOthersOfAnySize) {
-  // Takes what other tests have freed.
-  constexpr std::size_t kMuch = std::size_t{1} << 30;
-  void* const others = allocateLarge(kMuch);
-
   constexpr std::size_t kSize = 2 * kHugePageSize;
-  constexpr char kMark = 'm';
-  void* const one = allocateLarge(kSize);
-  void* const other = allocateLarge(kSize);
-  std::memset(one, kMark, kSize);
-  std::memset(other, kMark, kSize);
+  constexpr std::size_t kWords = kHugePageSize / sizeof(std::uint64_t);
+  constexpr std::uint64_t kMark = 0x9C3F51E2A7D4B086;
+  auto* const one = static_cast<std::uint64_t*>(allocateLarge(kSize));
+  auto* const other = static_cast<std::uint64_t*>(allocateLarge(kSize));
+  std::fill_n(one, 2 * kWords, kMark);
+  std::fill_n(other, 2 * kWords, kMark);
   freeLarge(one, kSize);
   freeLarge(other, kSize);
-  auto* const both = static_cast<char*>(allocateLarge(3 * kHugePageSize));
-  auto* const rest = static_cast<char*>(allocateLarge(3 * kHugePageSize));
-  EXPECT_EQ(std::count(both, both + 3 * kHugePageSize, kMark), 3 * kHugePageSize);
-  EXPECT_EQ(std::count(rest, rest + 3 * kHugePageSize, kMark), kHugePageSize);
-  std::memset(both, 0, 3 * kHugePageSize);
-  std::memset(rest, 0, 3 * kHugePageSize);
+  auto* const both = static_cast<std::uint64_t*>(allocateLarge(3 * kHugePageSize));
+  auto* const rest = static_cast<std::uint64_t*>(allocateLarge(3 * kHugePageSize));
+  EXPECT_EQ(std::count(both, both + 3 * kWords, kMark), 3 * kWords);
+  EXPECT_EQ(std::count(rest, rest + 3 * kWords, kMark), kWords);
+  std::fill_n(both, 3 * kWords, 0);
+  std::fill_n(rest, 3 * kWords, 0);
   freeLarge(both, 3 * kHugePageSize);
   freeLarge(rest, 3 * kHugePageSize);
-  freeLarge(others, kMuch);
 }
 
-TEST(HugePages, KeepsNoMoreThanItCan) {
+// What is kept for others is in as many pieces as SpareMemory takes.
+TEST(HugePages, ReturnsToTheSystemWhatIsTooMuchToKeep) {
   std::vector<void*> pieces(80);
-  for (int round = 0; round < 2; ++round) {
-    for (void*& piece : pieces) {
-      piece = allocateLarge(kHugePageSize);
-      std::memset(piece, round, 1);
-    }
-    for (void* const piece : pieces) freeLarge(piece, kHugePageSize);
-  }
+  for (void*& piece : pieces) piece = allocateLarge(kHugePageSize);
+  for (void* const piece : pieces) freeLarge(piece, kHugePageSize);
+  std::vector<unsigned char> pages(kHugePageSize / 4096);
+  const auto kept = std::count_if(pieces.begin(), pieces.end(), [&](void* piece) {
+    return ::mincore(piece, kHugePageSize, pages.data()) == 0;
+  });
+  EXPECT_GT(kept, 0);
+  EXPECT_LE(kept, 64);
+}
+
+TEST(HugePages, LeavesSmallPiecesToTheHeap) {
+  const std::ptrdiff_t before = liveAllocations();
+  void* const small = allocateLarge(kHugePageSize - 1);
+  EXPECT_EQ(liveAllocations(), before + 1);
+  void* const large = allocateLarge(kHugePageSize);
+  EXPECT_EQ(liveAllocations(), before + 1);
+  freeLarge(small, kHugePageSize - 1);
+  freeLarge(large, kHugePageSize);
+  EXPECT_EQ(liveAllocations(), before);
+}
+
+template <typename T>
+void expectRefusal() {
+  EXPECT_THROW(LargeAllocator<T>().allocate(SIZE_MAX / sizeof(T) + 1), std::bad_array_new_length);
 }
 
 TEST(HugePages, RefusesWhatNoMachineHas) {
   for (const std::size_t size : {SIZE_MAX, SIZE_MAX / 2, std::size_t{1} << 62}) {
     EXPECT_THROW(allocateLarge(size), std::bad_alloc) << size;
   }
-  EXPECT_THROW(LargeAllocator<std::uint64_t>().allocate(SIZE_MAX / 8 + 1),
-               std::bad_array_new_length);
+  expectRefusal<std::uint32_t>();
+  expectRefusal<std::uint64_t>();
+  expectRefusal<std::array<std::uint64_t, 2>>();
+  expectRefusal<std::array<std::uint64_t, 3>>();
 }
 
 TEST(HugePages, ContainersMayTakeOverEachOthersMemory) {

@@ -1,14 +1,18 @@
 #include "tree/keyed_hash.h"
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <functional>
 #include <set>
 #include <string>
 #include <vector>
+
+#include "tree/position_index.h"
 
 namespace Orvane::test {
 namespace {
@@ -28,15 +32,37 @@ TEST(KeyedHash, SpreadsIdsInRunsAndInSteps) {
   }
 }
 
+TEST(KeyedHash, SpreadsIdsOfOneName) {
+  for (const unsigned step : {0U, 1U, 4U, 12U, 20U}) {
+    EXPECT_LT(
+        mostInAPlace([=](std::uint32_t i) { return hashNameAndId("Greatest Hits", i << step); }),
+        20U)
+        << step;
+  }
+}
+
 TEST(KeyedHash, SpreadsNamesThatDifferLittle) {
   for (const std::size_t before : {0U, 3U, 8U, 60U}) {
     const std::string beginning(before, 'x');
     EXPECT_LT(mostInAPlace([&](std::uint32_t i) {
-                return hashOfName(beginning + std::to_string(i) + " and more");
+                return hashNameAndId(beginning + std::to_string(i) + " and more", 7);
               }),
               20U)
         << before;
   }
+}
+
+// Whoever makes a list doesn't know the key that it will meet.
+TEST(KeyedHash, HasAnotherKeyInEachProcess) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  std::set<int> hashes;
+  const auto note = [&](int status) {
+    hashes.insert(status);
+    return WIFEXITED(status);
+  };
+  for (int i = 0; i < 4; ++i)
+    EXPECT_EXIT(std::_Exit(static_cast<int>(hashOfId(1) % 256)), note, "");
+  EXPECT_GT(hashes.size(), 1U) << "by chance once in 16 million times";
 }
 
 TEST(KeyedHash, GoesByBytesAndLength) {

@@ -189,6 +189,17 @@ TEST(LineReader, ReadsAPipeToItsEnd) {
   EXPECT_EQ(lines[100], "rest");
 }
 
+TEST(LineReader, GuessesNothingOfAPipe) {
+  const TempDir dir;
+  const std::string path = dir / "pipe";
+  ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+  std::thread writer([&] { std::ofstream(path) << "one\ntwo\n"; });
+  LineReader reader(path.c_str());
+  EXPECT_EQ(reader.next(), "one");
+  EXPECT_EQ(reader.expectedLines(), 0U);
+  writer.join();
+}
+
 TEST(LineReader, DoesNotOpenWhatIsNoFile) {
   const TempDir dir;
   EXPECT_FALSE(LineReader((dir / "missing").c_str()).isOpen());

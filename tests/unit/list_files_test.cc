@@ -3,10 +3,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <cstdint>
 #include <iostream>
 #include <random>
+#include <stdexcept>
+#include <streambuf>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 #include "inventory/split_fields.h"
@@ -172,6 +177,103 @@ TEST(ListFiles, FolderCannotBeOpened) {
   EXPECT_EQ(reading.output, "Unable to open file tracks.txtUnable to open file playlists.txt");
   EXPECT_EQ(reading.complaints, "");
   EXPECT_THAT(reading.tracks(), IsEmpty());
+}
+
+// Takes some tracks and no more.
+class FullManager : public TrackManager {
+ public:
+  Track* addTrack(std::string_view title, std::uint32_t mediaId, std::string_view artistName,
+                  std::uint32_t artistId, std::string_view albumName, std::uint32_t albumId,
+                  std::string_view genreName, std::uint32_t genreId,
+                  std::uint32_t rating) override {
+    if (left_-- == 0) throw std::length_error("full");
+    return TrackManager::addTrack(title, mediaId, artistName, artistId, albumName, albumId,
+                                  genreName, genreId, rating);
+  }
+
+ private:
+  int left_ = 10'000;
+};
+
+// By then another thread reads the file.
+TEST(ListFiles, FailureAmongManyTracksEndsTheReading) {
+  const TempDir dir;
+  std::string tracks;
+  for (int i = 1; i <= 30'000; ++i) tracks += std::to_string(i) + "|T|2|A|3|B|4|C\n";
+  writeFile(dir / "tracks.txt", tracks);
+  FullManager manager;
+  const std::string path = dir / "tracks.txt";
+  EXPECT_THROW(readInventoryFiles(manager, path.c_str(), path.c_str(), false), std::length_error);
+  EXPECT_EQ(manager.tracksEnd() - manager.tracksBegin(), 10'000);
+}
+
+// Takes tracks so slowly that the next ones are read in the meantime.
+class SlowManager : public TrackManager {
+ public:
+  Track* addTrack(std::string_view title, std::uint32_t mediaId, std::string_view artistName,
+                  std::uint32_t artistId, std::string_view albumName, std::uint32_t albumId,
+                  std::string_view genreName, std::uint32_t genreId,
+                  std::uint32_t rating) override {
+    if (++added_ % 500 == 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    return TrackManager::addTrack(title, mediaId, artistName, artistId, albumName, albumId,
+                                  genreName, genreId, rating);
+  }
+
+ private:
+  int added_ = 0;
+};
+
+TEST(ListFiles, TextsStayWhileOthersAreRead) {
+  const TempDir dir;
+  std::string tracks;
+  const auto titleOf = [](std::uint32_t id) {
+    return "title " + std::string(id % 40, 't') + std::to_string(id);
+  };
+  for (std::uint32_t id = 1; id <= 30'000; ++id) {
+    tracks += std::to_string(id) + "|" + titleOf(id) + "|2|A|3|B|4|C\n";
+  }
+  writeFile(dir / "tracks.txt", tracks);
+  SlowManager manager;
+  const std::string path = dir / "tracks.txt";
+  const std::string missing = dir / "missing";
+  const CapturedStream output(std::cout);
+  readInventoryFiles(manager, path.c_str(), missing.c_str(), false);
+  ASSERT_EQ(manager.tracksEnd() - manager.tracksBegin(), 30'000);
+  for (auto it = manager.tracksBegin(); it != manager.tracksEnd(); ++it) {
+    ASSERT_EQ((*it)->getTitle(), titleOf((*it)->getMediaId()));
+  }
+}
+
+// A standard error that throws what is written there at whoever writes.
+class RefusedComplaints : public std::streambuf {
+ public:
+  RefusedComplaints() : old_(std::cerr.rdbuf(this)) { std::cerr.exceptions(std::ios::badbit); }
+  RefusedComplaints(const RefusedComplaints&) = delete;
+  RefusedComplaints& operator=(const RefusedComplaints&) = delete;
+  ~RefusedComplaints() override {
+    std::cerr.clear();
+    std::cerr.exceptions(std::ios::goodbit);
+    std::cerr.rdbuf(old_);
+  }
+
+ protected:
+  std::streamsize xsputn(const char* /*data*/, std::streamsize /*size*/) override {
+    throw std::length_error("refused");
+  }
+
+ private:
+  std::streambuf* old_;
+};
+
+TEST(ListFiles, FailureOfTheReadingThreadReachesTheCaller) {
+  const TempDir dir;
+  std::string tracks;
+  for (int i = 1; i <= 20'000; ++i) tracks += std::to_string(i) + "|T|2|A|3|B|4|C\n";
+  writeFile(dir / "tracks.txt", tracks + "1|too|few\n");
+  TrackManager manager;
+  const std::string path = dir / "tracks.txt";
+  const RefusedComplaints refused;
+  EXPECT_THROW(readInventoryFiles(manager, path.c_str(), path.c_str(), false), std::length_error);
 }
 
 TEST(ListFiles, PathInAComplaintIsPrintable) {

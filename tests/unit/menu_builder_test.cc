@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "output/two_table_writer.h"
@@ -99,6 +101,18 @@ TEST_F(MenuBuilder, LeavesKnowTheirTrackAndMenusNone) {
   EXPECT_EQ(songs.childrenBegin()[0]->getTrack(), track);
 }
 
+TEST_F(MenuBuilder, LeavesAreNumbers) {
+  manager_.addPlaylist("list")->getTracks().push_back(addArtist(1, 2, "a"));
+  MenuTree tree;
+  buildMenuFromInventory(manager_, tree);
+  for (const char* const name : {"Playlists", "Artists", "Songs"}) {
+    MenuNode::Position menu = nullptr;
+    ASSERT_TRUE(tree.getRoot()->findChildByName(menu, name));
+    while ((*menu)->childAt(0).isNode()) menu = (*menu)->childrenBegin();
+    EXPECT_THAT((*menu)->trackNumbers(), ElementsAre(1U)) << name;
+  }
+}
+
 TEST_F(MenuBuilder, AppendsBehindWhatTheRootHas) {
   MenuTree tree;
   addMenu(*tree.getRoot(), 1, "Before");
@@ -170,6 +184,23 @@ TEST_F(MenuBuilder, AlbumsOfAnArtistAreToldApartByNameAndId) {
   EXPECT_THAT(outline("Artists"),
               ElementsAre("7 Singer", "  8 Record", "    1 a", "    4 d", "  9 Record", "    2 b",
                           "  8 Other", "    3 c", "  8 record", "    5 e"));
+}
+
+TEST_F(MenuBuilder, AlbumsAreToldApartWhoseNamesAreInOnePlace) {
+  const std::string_view name = "name";
+  std::uint32_t mediaId = 0;
+  for (const auto& [id, size] : {std::pair{1U, 4U}, {1U, 2U}, {129U, 2U}}) {
+    auto track = std::make_unique<Track>();
+    track->setTitle("t");
+    track->setMediaId(++mediaId);
+    track->setArtistName("A");
+    track->setArtistId(5);
+    track->setAlbumName(name.substr(0, size));
+    track->setAlbumId(id);
+    manager_.registerTrack(track.release());
+  }
+  EXPECT_THAT(outline("Artists"), ElementsAre("5 A", "  1 name", "    1 t", "  1 na", "    2 t",
+                                              "  129 na", "    3 t"));
 }
 
 TEST_F(MenuBuilder, ArtistsAlbumMayHaveNoId) {

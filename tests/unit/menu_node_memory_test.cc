@@ -67,10 +67,37 @@ TEST(MenuNodeMemory, DeepTreeDiesWithoutRecursion) {
   {
     MenuNode root;
     MenuNode* deepest = &root;
-    for (int depth = 0; depth < 100000; ++depth) deepest = &addMenu(*deepest, 0, "");
-    EXPECT_GT(test::liveAllocations(), before + 100000);
+    for (int depth = 0; depth < 300'000; ++depth) deepest = &addMenu(*deepest, 0, "");
+    EXPECT_GT(test::liveAllocations(), before + 300'000);
   }
   EXPECT_EQ(test::liveAllocations(), before);
+}
+
+TEST(MenuNodeMemory, WhatIsThereAlreadyTakesNone) {
+  MenuNode node;
+  const std::ptrdiff_t before = test::liveAllocations();
+  node.setAll(NODE_TYPE_MEDIA, 7, "", RecType::kAlbum, 3, 0);
+  EXPECT_EQ(node.setSpare(0), 0U);
+  node.setTrack(nullptr);
+  node.setBorrowedName(std::string(65, 'n'));
+  node.setBorrowedName("");
+  EXPECT_EQ(test::liveAllocations(), before);
+}
+
+TEST(MenuNodeMemory, NameIsFreedWithTheNextOne) {
+  MenuNode node;
+  node.setName("one");
+  const std::ptrdiff_t before = test::liveAllocations();
+  node.setName("two");
+  EXPECT_EQ(test::liveAllocations(), before);
+  for (int i = 0; i < 2; ++i) {
+    node.setBorrowedName("borrowed");
+    EXPECT_EQ(test::liveAllocations(), before - 1);
+  }
+  for (int i = 0; i < 6; ++i) node.setName(std::string(65, 'n'));
+  EXPECT_EQ(test::liveAllocations(), before);
+  node.setName("");
+  EXPECT_EQ(test::liveAllocations(), before - 1);
 }
 
 TEST(MenuNodeMemory, RunningOutInAddChildLosesNothing) {

@@ -210,6 +210,7 @@ TEST(MenuNode, BorrowedNameFollowsTheSameRuleInPlace) {
 
   MenuNode fresh;
   fresh.setBorrowedName(kName65);
+  EXPECT_EQ(fresh.getName().data(), kName65.data());
   EXPECT_EQ(fresh.getName(), kName62);
 
   MenuNode named;

@@ -72,6 +72,15 @@ TEST(NameRanks, ZeroBytesAtTheEndTellNamesApart) {
   EXPECT_LT(ranks[3], ranks[1]);
 }
 
+TEST(NameRanks, NameMayEndLongBeforeItDiffers) {
+  const std::string other("a\0\0\0\0\0\0\0\0\0b", 11);
+  NameRanks ranks;
+  ranks.add(1, other);
+  ranks.add(2, "a");
+  ranks.rank();
+  EXPECT_LT(ranks[2], ranks[1]);
+}
+
 TEST(NameRanks, OfNothingAreNone) {
   NameRanks ranks;
   ranks.rank();

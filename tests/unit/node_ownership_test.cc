@@ -90,6 +90,28 @@ TEST_P(NodeOwnership, NameRule) {
   EXPECT_EQ(node.getName(), "");
 }
 
+TEST_P(NodeOwnership, NodeWithWideNumbersCanBeRenamed) {
+  MenuNode& node = fresh();
+  node.setRating(1000);
+  for (const char* const name : {"one", "two", "three"}) {
+    node.setName(name);
+    EXPECT_EQ(node.getName(), name);
+  }
+  EXPECT_EQ(node.getRating(), 1000U);
+}
+
+TEST_P(NodeOwnership, NamesPileUpToAnyLength) {
+  MenuNode& node = fresh();
+  std::string expected;
+  for (char c = 'a'; c < 'm'; ++c) {
+    node.setName(std::string(70, c));
+    expected.insert(0, std::string(62, c));
+    ASSERT_EQ(node.getName(), expected);
+  }
+  node.setName("short");
+  EXPECT_EQ(node.getName(), "short");
+}
+
 TEST_P(NodeOwnership, NameIsACopy) {
   MenuNode& node = fresh();
   std::string text = "before";
@@ -247,6 +269,28 @@ TEST(NodeOwnershipMemory, TreeFreesItsOwnNodesAndAdoptedOnes) {
     EXPECT_GT(test::liveAllocations(), before);
   }
   EXPECT_EQ(test::liveAllocations(), before);
+}
+
+TEST(NodeOwnershipMemory, TreeFreesWhatAWideMenuTook) {
+  const std::ptrdiff_t before = test::liveAllocations();
+  {
+    MenuTree tree;
+    for (int i = 0; i < 20'000; ++i) tree.getRoot()->appendChild([](MenuNode&) {});
+    EXPECT_EQ(tree.getRoot()->childCount(), 20'000U);
+  }
+  EXPECT_EQ(test::liveAllocations(), before);
+}
+
+TEST(NodeOwnershipMemory, TreeUsesOutgrownArraysAgain) {
+  MenuTree tree;
+  MenuNode& one = tree.getRoot()->appendChild([](MenuNode&) {});
+  MenuNode& other = tree.getRoot()->appendChild([](MenuNode&) {});
+  for (int i = 0; i < 4; ++i) one.appendChild([](MenuNode&) {});
+  const MenuNode::Position outgrown = one.childrenBegin();
+  one.appendChild([](MenuNode&) {});
+  ASSERT_NE(one.childrenBegin(), outgrown);
+  for (int i = 0; i < 4; ++i) other.appendChild([](MenuNode&) {});
+  EXPECT_EQ(other.childrenBegin(), outgrown);
 }
 
 TEST(NodeOwnershipMemory, DeepTreeOfItsOwnNodesIsFreed) {

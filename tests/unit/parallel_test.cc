@@ -4,12 +4,15 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <functional>
 #include <mutex>
 #include <new>
+#include <set>
 #include <stdexcept>
+#include <thread>
 #include <vector>
 
 #include "allocation_probe.h"
@@ -33,16 +36,27 @@ TEST(Parallel, DoesEachPartOnce) {
 
 // Each part waits for the other one to be under way.
 TEST(Parallel, DoesPartsSideBySideAsDifferentWorkers) {
-  std::mutex mutex;
-  std::condition_variable changed;
-  std::vector<std::size_t> underWay;
-  forEachInParallel(2, 2, [&](std::size_t, std::size_t worker) {
-    std::unique_lock lock(mutex);
-    underWay.push_back(worker);
-    changed.notify_all();
-    changed.wait(lock, [&] { return underWay.size() == 2; });
+  for (const std::size_t workers : {2U, 3U}) {
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::set<std::size_t> underWay;
+    forEachInParallel(workers, workers, [&](std::size_t, std::size_t worker) {
+      std::unique_lock lock(mutex);
+      underWay.insert(worker);
+      changed.notify_all();
+      changed.wait(lock, [&] { return underWay.size() == workers; });
+    });
+    EXPECT_EQ(underWay.size(), workers);
+  }
+}
+
+TEST(Parallel, HasNoMoreWorkersThanWanted) {
+  std::atomic<std::size_t> last = 0;
+  forEachInParallel(100, 2, [&](std::size_t, std::size_t worker) {
+    if (worker > last) last = worker;
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
   });
-  EXPECT_NE(underWay[0], underWay[1]);
+  EXPECT_LT(last, 2U);
 }
 
 TEST(Parallel, OneWorkerGoesInOrder) {
@@ -84,8 +98,7 @@ TEST(Parallel, FewerWorkersDoItAllWhenMemoryRunsOut) {
 TEST(Parallel, LittleIsForOneWorker) {
   EXPECT_EQ(workersFor(0), 1U);
   EXPECT_EQ(workersFor(10'000), 1U);
-  EXPECT_GE(workersFor(100'000'000), 1U);
-  EXPECT_LE(workersFor(100'000'000), 8U);
+  EXPECT_EQ(workersFor(100'000'000), std::clamp(std::thread::hardware_concurrency(), 1U, 8U));
 }
 
 }  // namespace

@@ -198,6 +198,29 @@ TEST_F(TrackChildren, AreSortedAndWrittenAsNodesAre) {
   }
 }
 
+TEST_F(TrackChildren, UseOutgrownArraysAgain) {
+  const std::uint32_t number = addTrack(7, "seven");
+  MenuNode& one = root_.appendChild([](MenuNode&) {});
+  MenuNode& other = root_.appendChild([](MenuNode&) {});
+  for (int i = 0; i < 4; ++i) one.appendLeaf(tracks_, number);
+  const std::uint32_t* const outgrown = one.trackNumbers().data();
+  one.appendLeaf(tracks_, number);
+  ASSERT_NE(one.trackNumbers().data(), outgrown);
+  for (int i = 0; i < 4; ++i) other.appendLeaf(tracks_, number);
+  EXPECT_EQ(other.trackNumbers().data(), outgrown);
+}
+
+TEST_F(TrackChildren, StayNumbersWhenTheyAreSortedAndWritten) {
+  MenuNode& songs = root_.appendChild([](MenuNode& menu) { menu.setName("Songs"); });
+  for (const char* const title : {"c", "a", "b"}) songs.appendLeaf(tracks_, addTrack(1, title));
+  MenuTree::sortTree(&root_);
+  for (const auto write : {writeOneTable, writeTwoTable}) {
+    RecordingBuffer buffer;
+    write(tree_, buffer);
+  }
+  EXPECT_THAT(songs.trackNumbers(), ElementsAre(2U, 3U, 1U));
+}
+
 TEST_F(TrackChildren, LackOfMemoryLosesNone) {
   const std::uint32_t number = addTrack(7, "seven");
   constexpr std::size_t kLeaves = 2000;  // more than fit into what the tree has at hand

@@ -48,6 +48,19 @@ TEST(TrackManager, AddTrackKeepsEachFieldAndCopiesTexts) {
   EXPECT_EQ(manager.findTrack(1), track);
 }
 
+TEST(TrackManager, TracksShareTheNamesOfTheirIds) {
+  TrackManager manager;
+  const std::string name = "name";
+  const Track& one = *manager.addTrack("t", 1, name, 1, name, 1, name, 1, 0);
+  const Track& two = *manager.addTrack("t", 2, name, 1, name, 1, name, 1, 0);
+  EXPECT_EQ(one.getArtistName().data(), two.getArtistName().data());
+  EXPECT_EQ(one.getAlbumName().data(), two.getAlbumName().data());
+  EXPECT_EQ(one.getGenreName().data(), two.getGenreName().data());
+  const Track& other = *manager.addTrack("t", 3, "other", 1, "other", 1, "other", 1, 0);
+  EXPECT_EQ(other.getArtistName(), "other");
+  EXPECT_EQ(one.getArtistName(), "name");
+}
+
 TEST(TrackManager, FirstTrackOfAMediaIdCounts) {
   TrackManager manager;
   const Track* const first = addSong(manager, 7, "First", 1, "Abel", 2);
