@@ -9,8 +9,9 @@ namespace Orvane {
 // the tree's root, in this order, and fills them from the manager, several at a time when there is
 // much to do. Empty categories are made too; "Favorites" always has its three star menus.
 //
-// Nodes refer to the manager's tracks and texts: the manager must outlive the tree, and must not be
-// cleared, nor its tracks changed, while the tree is in use. Throws only for lack of memory.
+// Nodes refer to the manager's tracks and texts: the manager must outlive the tree, and its tracks
+// must not be changed while the tree is in use. It may be cleared: it goes on owning them. Throws
+// only for lack of memory.
 void buildMenuFromInventory(const TrackManager& manager, MenuTree& tree);
 
 // The parts of buildMenuFromInventory, each filling its category's menu, which must be empty. A

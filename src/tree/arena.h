@@ -7,8 +7,9 @@
 
 namespace Orvane {
 
-// Memory that is handed out piece by piece and given back all at once, when the arena is destroyed.
-// Nothing in it ever moves; no destructor of what is put there is run.
+// Memory that is handed out piece by piece and given back all at once, when the arena is cleared or
+// destroyed; only large pieces can go before. Nothing in it ever moves; no destructor of what is
+// put there is run.
 class Arena {
  public:
   Arena() = default;
@@ -26,7 +27,7 @@ class Arena {
     return place;
   }
 
-  // Frees a piece before the others. False when it is too small for that.
+  // Frees a piece before the others. False, with nothing done, when it is too small for that.
   bool giveBack(void* memory);
 
   // Frees all pieces.
@@ -49,7 +50,7 @@ class Arena {
   std::vector<Block> blocks_;       // of many pieces
   std::vector<Block> singles_;      // of one each
   std::byte* nextBlock_ = nullptr;  // the last block, when there is nothing in it yet
-  std::byte* free_ = nullptr;       // the unused part of the last block of the regular size
+  std::byte* free_ = nullptr;       // the unused part of the newest block that is in use
   std::size_t freeSize_ = 0;
   std::size_t nextSize_ = kFirstBlock;
 };

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <iostream>
 #include <random>
 #include <stdexcept>
@@ -12,6 +13,7 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "inventory/split_fields.h"
@@ -179,20 +181,23 @@ TEST(ListFiles, FolderCannotBeOpened) {
   EXPECT_THAT(reading.tracks(), IsEmpty());
 }
 
-// Takes some tracks and no more.
-class FullManager : public TrackManager {
+// Calls a function with the number of tracks before it takes the next one.
+class WatchedManager : public TrackManager {
  public:
+  explicit WatchedManager(std::function<void(int)> watch) : watch_(std::move(watch)) {}
+
   Track* addTrack(std::string_view title, std::uint32_t mediaId, std::string_view artistName,
                   std::uint32_t artistId, std::string_view albumName, std::uint32_t albumId,
                   std::string_view genreName, std::uint32_t genreId,
                   std::uint32_t rating) override {
-    if (left_-- == 0) throw std::length_error("full");
+    watch_(added_++);
     return TrackManager::addTrack(title, mediaId, artistName, artistId, albumName, albumId,
                                   genreName, genreId, rating);
   }
 
  private:
-  int left_ = 10'000;
+  std::function<void(int)> watch_;
+  int added_ = 0;
 };
 
 // By then another thread reads the file.
@@ -201,28 +206,15 @@ TEST(ListFiles, FailureAmongManyTracksEndsTheReading) {
   std::string tracks;
   for (int i = 1; i <= 30'000; ++i) tracks += std::to_string(i) + "|T|2|A|3|B|4|C\n";
   writeFile(dir / "tracks.txt", tracks);
-  FullManager manager;
+  WatchedManager manager([](int added) {
+    if (added == 10'000) throw std::length_error("full");
+  });
   const std::string path = dir / "tracks.txt";
   EXPECT_THROW(readInventoryFiles(manager, path.c_str(), path.c_str(), false), std::length_error);
   EXPECT_EQ(manager.tracksEnd() - manager.tracksBegin(), 10'000);
 }
 
-// Takes tracks so slowly that the next ones are read in the meantime.
-class SlowManager : public TrackManager {
- public:
-  Track* addTrack(std::string_view title, std::uint32_t mediaId, std::string_view artistName,
-                  std::uint32_t artistId, std::string_view albumName, std::uint32_t albumId,
-                  std::string_view genreName, std::uint32_t genreId,
-                  std::uint32_t rating) override {
-    if (++added_ % 500 == 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    return TrackManager::addTrack(title, mediaId, artistName, artistId, albumName, albumId,
-                                  genreName, genreId, rating);
-  }
-
- private:
-  int added_ = 0;
-};
-
+// Tracks are taken so slowly that the next ones are read in the meantime.
 TEST(ListFiles, TextsStayWhileOthersAreRead) {
   const TempDir dir;
   std::string tracks;
@@ -233,7 +225,9 @@ TEST(ListFiles, TextsStayWhileOthersAreRead) {
     tracks += std::to_string(id) + "|" + titleOf(id) + "|2|A|3|B|4|C\n";
   }
   writeFile(dir / "tracks.txt", tracks);
-  SlowManager manager;
+  WatchedManager manager([](int added) {
+    if (added % 500 == 499) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  });
   const std::string path = dir / "tracks.txt";
   const std::string missing = dir / "missing";
   const CapturedStream output(std::cout);

@@ -334,5 +334,22 @@ TEST_F(MenuBuilder, FillersTakeAnyMenu) {
                                  "Two Stars", "One Star"));
 }
 
+TEST_F(MenuBuilder, TreeStaysWhenTheManagerIsCleared) {
+  const Track* const track = add(1, "b", 2, "artist", 3, "album", 4, "genre", 2);
+  add(5, "a", 2, "artist", 3, "album", 4, "genre", 0);
+  manager_.addPlaylist("playlist", 6)->getTracks().push_back(track);
+  std::vector<std::string> contents;
+  for (const bool isCleared : {false, true}) {
+    MenuTree tree;
+    buildMenuFromInventory(manager_, tree);
+    if (isCleared) manager_.clear();
+    MenuTree::sortTree(tree.getRoot());
+    RecordingBuffer buffer;
+    writeTwoTable(tree, buffer);
+    contents.push_back(buffer.content);
+  }
+  EXPECT_EQ(contents[0], contents[1]);
+}
+
 }  // namespace
 }  // namespace Orvane::test
