@@ -14,7 +14,9 @@ namespace Orvane {
 
 namespace {
 
-constexpr std::size_t kStreamBufferSize = std::size_t{1} << 16;
+// As much as a large page: of a file that is written in such pieces, the system keeps the contents
+// in large pages, too, which takes half the time. Only what is used of it takes memory.
+constexpr std::size_t kStreamBufferSize = std::size_t{1} << 21;
 
 std::ios_base::seekdir direction(int whence) {
   switch (whence) {

@@ -8,7 +8,7 @@
 namespace Orvane {
 
 // A std::fstream that lets small pieces be put straight into its buffer: a million tracks' records
-// go through it one by one.
+// go through it one by one. It writes whole buffers only, until it is closed.
 class FileStream : public std::iostream {
  public:
   FileStream() : std::iostream(nullptr) { rdbuf(&file_); }
@@ -28,18 +28,27 @@ class FileStream : public std::iostream {
   bool close() { return file_.close() != nullptr; }
 
   // Writes as write() does, but for the state: returns whether all was written.
-  bool put(const char* data, std::streamsize size) {
-    return file_.putIntoBuffer(data, size) || file_.sputn(data, size) == size;
-  }
+  bool put(const char* data, std::streamsize size) { return file_.put(data, size); }
 
  private:
   struct File : std::filebuf {
-    // False, with nothing done, when there isn't room.
-    bool putIntoBuffer(const char* data, std::streamsize size) {
-      if (size < 0 || epptr() - pptr() <= size) return false;
+    bool put(const char* data, std::streamsize size) {
+      if (size < 0) return false;
+      // What doesn't fit fills the buffer, whose last place is that of sputc(), which empties it.
+      for (auto room = epptr() - pptr(); size > room; room = epptr() - pptr()) {
+        take(data, room);
+        if (traits_type::eq_int_type(sputc(data[room]), traits_type::eof())) return false;
+        data += room + 1;
+        size -= room + 1;
+      }
+      take(data, size);
+      return true;
+    }
+
+    void take(const char* data, std::streamsize size) {
+      if (size == 0) return;  // there may be no buffer yet
       std::memcpy(pptr(), data, static_cast<std::size_t>(size));
       pbump(static_cast<int>(size));
-      return true;
     }
   };
 

@@ -21,7 +21,7 @@ PIPE_HOLDS = 65536  # bytes
 
 def jobs(bench: Bench) -> Iterator[Callable[[], None]]:
     small = Inputs(bench, "small", 12, 2, 3, 4)
-    large = Inputs(bench, "large", 2000, 20, 40, 100)
+    large = Inputs(bench, "large", 14000, 20, 300, 100)
     for inputs in (small, large):
         for layout in LAYOUTS:
             for build in inputs.both(layout):

@@ -14,8 +14,8 @@ OPEN_ERRORS = (*ERRORS, errno.EINTR, errno.EACCES, errno.EROFS, errno.EMFILE)
 
 def jobs(bench: Bench) -> Iterator[Callable[[], None]]:
     small = Inputs(bench, "small", 12, 2, 3, 4)
-    large = Inputs(bench, "large", 1600, 20, 30, 100)
-    for inputs, least in ((small, 1), (large, 4)):
+    large = Inputs(bench, "large", 14000, 20, 300, 100)
+    for inputs, least in ((small, 1), (large, 2)):
         for layout in LAYOUTS:
             for build in inputs.both(layout):
                 yield lambda build=build, least=least: output_calls(bench, build, least)

@@ -153,7 +153,7 @@ TEST_F(DiskBufferStream, ReadWhileClosedThrows) {
 TEST_F(DiskBufferStream, WriteThatMeetsAFullDiskThrows) {
   DiskBuffer buffer("/dev/full");
   EXPECT_TRUE(buffer.openForWrite());
-  const std::string large(1 << 20, 'x');
+  const std::string large(1 << 22, 'x');
   expectThrown<OVWriteError>([&] { buffer.write(large.data(), static_cast<int>(large.size())); },
                              kWriteMessage);
 }

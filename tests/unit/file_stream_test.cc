@@ -47,6 +47,24 @@ TEST_F(FileStreamTest, PiecesOfAllSizesReachTheFile) {
   }
 }
 
+TEST_F(FileStreamTest, WritesWholeBuffersUntilItIsClosed) {
+  FileStream stream;
+  open(stream);
+  const std::string piece(5, 'p');
+  for (std::size_t put = 0; put < 4 * kBufferSize; put += piece.size()) {
+    EXPECT_EQ(readFile(path_).size() % kBufferSize, 0U) << put;
+    ASSERT_TRUE(stream.put(piece.data(), static_cast<std::streamsize>(piece.size())));
+  }
+  EXPECT_GE(readFile(path_).size(), 3 * kBufferSize);
+  EXPECT_TRUE(stream.close());
+}
+
+TEST_F(FileStreamTest, WhatIsNotOpenTakesNothing) {
+  FileStream stream;
+  EXPECT_TRUE(stream.put("", 0));
+  EXPECT_FALSE(stream.put("text", 4));
+}
+
 TEST_F(FileStreamTest, LessThanNothingCannotBeWritten) {
   FileStream stream;
   open(stream);
