@@ -25,12 +25,12 @@ bool CategoryIndex::orders(std::uint32_t a, std::uint32_t b) const {
 }
 
 std::uint32_t CategoryIndex::positionOf(std::uint32_t id) const {
-  if (id != lastId_ || lastPosition_ == kUnknown) {
-    const std::uint32_t* const found = nameById_.find(id);
-    lastId_ = id;
-    lastPosition_ = found == nullptr ? kUnknown : *found;
+  Found& found = found_[id % found_.size()];
+  if (found.id != id || found.position == kUnknown) {
+    const std::uint32_t* const position = nameById_.find(id);
+    found = {id, position == nullptr ? kUnknown : *position};
   }
-  return lastPosition_;
+  return found.position;
 }
 
 std::uint32_t CategoryIndex::nameFor(std::uint32_t id, std::string_view text) {
@@ -155,7 +155,7 @@ void CategoryIndex::clear() {
   entries_.clear();
   release(names_);
   nameById_.clear();
-  lastPosition_ = kUnknown;
+  found_.fill({});
   foldedNames_.clear();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -40,12 +41,17 @@ class CategoryIndex {
   // its name, the bytes of that.
   void expectId(std::uint32_t id) const { nameById_.expect(id); }
   void expectName(std::uint32_t id) const {
-    if (const std::uint32_t* const name = nameById_.find(id)) prefetch(&names_[*name]);
+    const std::uint32_t position = positionOf(id);
+    if (position != kUnknown) prefetch(&names_[position]);
   }
-  void expectText(std::uint32_t id) const { prefetch(nameOf(id).data()); }
+  void expectText(std::uint32_t id) const {
+    const std::string_view name = nameOf(id);
+    prefetch(name.data());
+    prefetch(name.data() + name.size());  // it may reach into the next line of the cache
+  }
 
-  // The name of the id, empty if it never had an entry. Not for several threads: it remembers the
-  // id.
+  // The name of the id, empty if it never had an entry. Not for several threads: it remembers
+  // what it has found.
   std::string_view nameOf(std::uint32_t id) const;
 
   // The track numbers of all entries, in order.
@@ -90,9 +96,13 @@ class CategoryIndex {
   Order order_;
   LargeVector<Name> names_;
   IdMap<std::uint32_t, kUnknown> nameById_;  // id to position in names_
-  // What positionOf() found last: an id is asked for its name, then given an entry.
-  mutable std::uint32_t lastId_ = 0;
-  mutable std::uint32_t lastPosition_ = kUnknown;
+  // What positionOf() has found, each in the place of its id's last bits: an id is asked for its
+  // name several times, then given an entry.
+  struct Found {
+    std::uint32_t id = 0;
+    std::uint32_t position = kUnknown;
+  };
+  mutable std::array<Found, 256> found_;
   Arena foldedNames_;
 
   // Either all entries as they came, or, once that doesn't determine their order, all in place.

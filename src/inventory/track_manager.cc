@@ -38,7 +38,7 @@ Track* TrackManager::addTrack(std::string_view title, std::uint32_t mediaId,
                               std::string_view genreName, std::uint32_t genreId,
                               std::uint32_t rating) {
   const auto keep = [this](std::string_view name, std::string_view known) {
-    return name == known ? known : ownTracks_.keep(name);
+    return name == known ? known : ownNames_.keep(name);
   };
   static_assert(std::is_trivially_destructible_v<Track>);
   Track* const track = new (ownTracks_.allocate(sizeof(Track), alignof(Track))) Track();

@@ -101,8 +101,10 @@ class TrackManager {
   std::unique_ptr<TrackIndex> index_;
 
   // The owners. Each holds a record once: records remember that they are registered. What addTrack
-  // makes is in the arena, with its texts.
+  // makes is in the arenas: tracks with their titles, and apart from them the names, which are
+  // looked at again and again and so must stand close together.
   Arena ownTracks_;
+  Arena ownNames_;
   std::vector<std::unique_ptr<Track>> trackSet_;
   std::vector<std::unique_ptr<Playlist>> playlistSet_;
 };
