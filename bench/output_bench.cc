@@ -22,7 +22,7 @@ void layoutTwoTables(benchmark::State& state) {
   while (state.KeepRunning()) {
     Orvane::TreeTable treeTable;
     Orvane::DataTable dataTable;
-    Orvane::DataRecordIndex idMap;
+    Orvane::DataRecordIndex idMap(sample.tree);
     Orvane::layoutChildren(sample.tree.getRoot(), treeTable, dataTable, idMap);
     benchmark::DoNotOptimize(treeTable.size());
     benchmark::DoNotOptimize(dataTable.data());

@@ -44,6 +44,12 @@ class LinkedTable {
     linked_[link].record.firstChildIndex = index;
   }
 
+  // Forgets all records and frees their memory.
+  void clear() {
+    release(leaves_);
+    release(linked_);
+  }
+
   // Calls `use` with each record in order.
   template <typename Use>
   void forEach(Use use) const {

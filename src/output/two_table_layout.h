@@ -2,29 +2,17 @@
 
 #include <cstdint>
 
+#include "output/data_record_index.h"
 #include "output/tree_record.h"
 #include "tree/child.h"
 #include "tree/huge_pages.h"
 #include "tree/menu_node.h"
-#include "tree/position_index.h"
 
 namespace Orvane {
 
 // The data table, in record order: for each record the child that it is filled from. Not owned; the
 // records themselves, 72 bytes each, come into being only as they are written.
 using DataTable = LargeVector<Child>;
-
-// Data records by what they are shared by. The root's record is never entered, so nothing shares
-// it.
-struct DataRecordIndex {
-  struct OfTrack {
-    std::uint32_t hash;   // of the name and id of its leaves
-    std::uint32_t index;  // of the record that they share; 0 where there is none yet
-  };
-
-  PositionIndex byNameAndId;
-  LargeVector<OfTrack> byTrack;  // by number
-};
 
 // Lays out the descendants of `node` behind what the tables hold and returns the tree index of its
 // first child record (kNoChildren for nullptr and for a media leaf).

@@ -11,6 +11,7 @@
 #include "output/record_sink.h"
 #include "output/two_table_layout.h"
 #include "tree/child_view.h"
+#include "tree/huge_pages.h"
 #include "tree/made_ahead.h"
 #include "tree/parallel.h"
 #include "tree/prefetch.h"
@@ -50,30 +51,37 @@ void putDataTable(const DataTable& dataTable, const TrackTable* tracks, RecordSi
   }
 }
 
-}  // namespace
-
-bool writeTwoTable(const MenuTree& tree, Buffer& buffer) {
-  TreeTable treeTable;
-  DataTable dataTable;
-  DataRecordIndex idMap;
-  treeTable.reserve(tree.nodeCountHint());
-  // Hardly more than the tracks have records of their own: the menus.
-  dataTable.reserve(tree.getTrackTable() ? tree.getTrackTable()->size() : tree.nodeCountHint());
-
+void layOut(const MenuTree& tree, TreeTable& treeTable, DataTable& dataTable) {
   const MenuNode& root = *tree.getRoot();
+  DataRecordIndex idMap(tree);
   dataTable.push_back(tree.root());
   TreeRecord rootRecord;
   fillTreeRecord(root, rootRecord);
   const TreeTable::Link rootLink = treeTable.append(rootRecord);
   treeTable.setFirstChild(rootLink, layoutChildren(&root, treeTable, dataTable, idMap));
+}
+
+}  // namespace
+
+bool writeTwoTable(const MenuTree& tree, Buffer& buffer) {
+  TreeTable treeTable;
+  DataTable dataTable;
+  treeTable.reserve(tree.nodeCountHint());
+  // Hardly more than the tracks have records of their own: the menus.
+  dataTable.reserve(tree.getTrackTable() ? tree.getTrackTable()->size() : tree.nodeCountHint());
+  layOut(tree, treeTable, dataTable);
 
   std::array<std::uint8_t, kTwoTableHeaderSize> header{};
   fillFileHeader(header, 2, treeTable.size(), static_cast<std::uint32_t>(dataTable.size()));
 
+  // The system needs memory for the file, which what has served its purpose gives it.
+  giveBackSpareMemory();
   buffer.openForWrite();
   RecordSink sink(buffer);
   sink.putHeader(header);
   treeTable.forEach([&](const TreeRecord& record) { sink.put(record.encode()); });
+  treeTable.clear();
+  giveBackSpareMemory();
   putDataTable(dataTable, tree.getTrackTable(), sink);
   buffer.close();
   return true;

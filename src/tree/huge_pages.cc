@@ -84,6 +84,13 @@ void* allocateLarge(std::size_t size) {
   return memory;
 }
 
+void giveBackSpareMemory() noexcept {
+  constexpr std::size_t kAll = static_cast<std::size_t>(-1);
+  for (auto spare = spareMemory().take(kAll); spare.size > 0; spare = spareMemory().take(kAll)) {
+    unmap(spare.memory, spare.size);
+  }
+}
+
 void makePagesAhead(void* memory, std::size_t size) {
 #ifdef MADV_POPULATE_WRITE
   if (std::thread::hardware_concurrency() < 2) return;

@@ -15,6 +15,9 @@ inline constexpr std::size_t kHugePageSize = std::size_t{1} << 21;
 void* allocateLarge(std::size_t size);
 void freeLarge(void* memory, std::size_t size) noexcept;
 
+// Gives the system back what is kept for the next who asks.
+void giveBackSpareMemory() noexcept;
+
 // Has the pages of memory that will all be touched soon made in the background, by a thread that
 // should have enough to do: to wait for each of them takes up to a third of the time. Does no harm
 // to memory that is freed, or given to somebody else, before it is done.

@@ -52,15 +52,29 @@ TEST(HugePages, UsesThePagesOfWhatWasFreedForOthersOfAnySize) {
   freeLarge(rest, 3 * kHugePageSize);
 }
 
+bool isMapped(void* memory) {
+  std::array<unsigned char, kHugePageSize / 4096> pages;
+  return ::mincore(memory, kHugePageSize, pages.data()) == 0;
+}
+
+TEST(HugePages, GivesBackWhatItKeeps) {
+  std::array<void*, 3> pieces;
+  for (void*& piece : pieces) piece = allocateLarge(kHugePageSize);
+  freeLarge(pieces[0], kHugePageSize);
+  freeLarge(pieces[1], kHugePageSize);
+  giveBackSpareMemory();
+  EXPECT_FALSE(isMapped(pieces[0]));
+  EXPECT_FALSE(isMapped(pieces[1]));
+  EXPECT_TRUE(isMapped(pieces[2]));
+  freeLarge(pieces[2], kHugePageSize);
+}
+
 // What is kept for others is in as many pieces as SpareMemory takes.
 TEST(HugePages, ReturnsToTheSystemWhatIsTooMuchToKeep) {
   std::vector<void*> pieces(80);
   for (void*& piece : pieces) piece = allocateLarge(kHugePageSize);
   for (void* const piece : pieces) freeLarge(piece, kHugePageSize);
-  std::vector<unsigned char> pages(kHugePageSize / 4096);
-  const auto kept = std::count_if(pieces.begin(), pieces.end(), [&](void* piece) {
-    return ::mincore(piece, kHugePageSize, pages.data()) == 0;
-  });
+  const auto kept = std::count_if(pieces.begin(), pieces.end(), isMapped);
   EXPECT_GT(kept, 0);
   EXPECT_LE(kept, 64);
 }

@@ -37,7 +37,7 @@ TEST_F(LayoutMemory, LeavesOfOneTableTakeTheirPlacesOnly) {
 TEST_F(LayoutMemory, LeavesOfTwoTablesTakeTheirPlacesOnly) {
   TreeTable treeTable;
   DataTable dataTable;
-  DataRecordIndex index;
+  DataRecordIndex index(tree_);
   treeTable.reserve(kLeaves);
   dataTable.reserve(kLeaves);
   index.byNameAndId.reserve(kLeaves);

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -181,6 +182,33 @@ TEST_F(TwoTableLayout, LeavesOfTracksShareAsOthersDo) {
                   Links{kNone, 0, 1}, Links{kNone, 0, 2}, Links{kNone, 0, 2}, Links{kNone, 0, 3}));
 }
 
+// Where a menu has the id and the name of a track, they share, whichever comes first and however
+// deep the menu is.
+TEST_F(TwoTableLayout, TracksShareWithMenusAnywhere) {
+  std::array<Track, 4> store;
+  TrackTable tracks = {nullptr};
+  for (const auto& [id, title] : {std::pair{1U, "early"}, {2U, "late"}, {3U, "alone"}, {4U, "x"}}) {
+    Track& track = store[tracks.size() - 1];
+    track.setTitle(title);
+    track.setMediaId(id);
+    tracks.push_back(&track);
+  }
+  tree_.setTrackTable(tracks);
+  addMenu(root_, 1, "early");
+  MenuNode& songs = addMenu(root_, 0, "Songs");
+  for (const std::uint32_t number : {1U, 2U, 3U, 4U}) songs.appendLeaf(tracks, number);
+  MenuNode& upper = addMenu(addMenu(root_, 4, "y"), 9, "upper");
+  addMenu(upper, 2, "late");
+  MenuNode& again = addMenu(upper, 3, "again");
+  for (const std::uint32_t number : {4U, 3U, 2U}) again.appendLeaf(tracks, number);
+  const Tables tables = written();
+  EXPECT_THAT(tables.names,
+              ElementsAre("root", "early", "Songs", "y", "late", "alone", "x", "upper", "again"));
+  EXPECT_THAT(tables.treeNames(),
+              ElementsAre("root", "early", "Songs", "y", "early", "late", "alone", "x", "upper",
+                          "late", "again", "x", "alone", "late"));
+}
+
 TEST_F(TwoTableLayout, PlaylistsComeAfterTheirSiblingsDescendants) {
   MenuNode& playlists = addMenu(root_, 0, "Playlists");
   MenuNode& songs = addMenu(root_, 0, "Songs");
@@ -266,7 +294,7 @@ TEST_F(TwoTableLayout, LayoutChildrenContinuesTablesThatAreNotEmpty) {
   TreeTable treeTable;
   for (int i = 0; i < 3; ++i) treeTable.appendLeaf(0);
   DataTable dataTable(2, Child(&root_));
-  DataRecordIndex idMap;
+  DataRecordIndex idMap(tree_);
   EXPECT_EQ(layoutChildren(nullptr, treeTable, dataTable, idMap), kNone);
   EXPECT_EQ(layoutChildren(&root_, treeTable, dataTable, idMap), 3U) << "no children yet";
   MenuNode& leaf = addMedia(root_, 1, "a");

@@ -1,0 +1,77 @@
+#include "output/data_record_index.h"
+
+#include <algorithm>
+#include <functional>
+#include <vector>
+
+#include "output/data_record.h"
+#include "output/recurring_ids.h"
+#include "tree/parallel.h"
+#include "tree/prefetch.h"
+
+namespace Orvane {
+
+namespace {
+
+// Calls `use` with the numbers of all tracks, many at a time and by several threads.
+void forEachPart(const TrackTable& tracks,
+                 const std::function<void(std::size_t begin, std::size_t end)>& use) {
+  constexpr std::size_t kStep = 4096;
+  const std::size_t count = tracks.size() - 1;  // there is no track 0
+  forEachInParallel((count + kStep - 1) / kStep, workersFor(count),
+                    [&](std::size_t i, std::size_t /*worker*/) {
+                      const std::size_t begin = 1 + i * kStep;
+                      use(begin, std::min(begin + kStep, tracks.size()));
+                    });
+}
+
+// Nodes are met twice: what has the id of one has to look for the record to share.
+void meetNodes(const MenuNode& top, RecurringIds& ids) {
+  std::vector<const MenuNode*> menus = {&top};
+  while (!menus.empty()) {
+    const MenuNode& menu = *menus.back();
+    menus.pop_back();
+    if (menu.childCount() == 0 || !menu.childAt(0).isNode()) continue;
+    const auto meet = [&](std::size_t i) {
+      const MenuNode& node = *menu.childAt(i).node();
+      ids.meet(node.getMediaId());
+      ids.meet(node.getMediaId());
+      if (node.childCount() > 0) menus.push_back(&node);
+    };
+    forEachPrefetched(menu.childCount(), meet,
+                      [&](std::size_t i) { prefetch(menu.childAt(i).node()); });
+  }
+}
+
+}  // namespace
+
+DataRecordIndex::DataRecordIndex(const MenuTree& tree) {
+  if (tree.getTrackTable() == nullptr) return;
+  const TrackTable& tracks = *tree.getTrackTable();
+  byTrack.resize(tracks.size());
+  RecurringIds ids(tracks.size());
+  meetNodes(*tree.getRoot(), ids);
+  forEachPart(tracks, [&](std::size_t begin, std::size_t end) {
+    for (std::size_t i = begin; i < end; ++i) ids.meet(tracks[i]->getMediaId());
+  });
+  forEachPart(tracks, [&](std::size_t begin, std::size_t end) {
+    MenuNode leaf;
+    for (std::size_t i = begin; i < end; ++i) {
+      if (!ids.mayRecur(tracks[i]->getMediaId())) continue;
+      leaf.becomeLeafOf(*tracks[i]);
+      byTrack[i].hash = hashOf(leaf);
+    }
+  });
+}
+
+std::string_view DataRecordIndex::comparedName(const MenuNode& node) {
+  const std::string_view name = storedName(node);
+  return name.substr(0, name.find('\0'));
+}
+
+std::uint32_t DataRecordIndex::hashOf(const MenuNode& node) {
+  constexpr std::uint32_t kNotZero = 0x80000000;
+  return hashNameAndId(comparedName(node), node.getMediaId()) | kNotZero;
+}
+
+}  // namespace Orvane

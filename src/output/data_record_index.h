@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "tree/huge_pages.h"
+#include "tree/menu_tree.h"
+#include "tree/position_index.h"
+
+namespace Orvane {
+
+// Data records by what they are shared by, an id and a name. The root's record is never entered, so
+// nothing shares it; and a track with an id that nothing else in its tree has needs no search.
+struct DataRecordIndex {
+  // For the children in that tree, all of which must be there: what is to share a record with a
+  // track's leaves is told by its id.
+  explicit DataRecordIndex(const MenuTree& tree);
+
+  // What of a node's name is compared.
+  static std::string_view comparedName(const MenuNode& node);
+
+  // The hash of a node's name and id; never 0.
+  static std::uint32_t hashOf(const MenuNode& node);
+
+  struct OfTrack {
+    std::uint32_t hash = 0;   // of its leaves; 0 where nothing else in the tree has its id
+    std::uint32_t index = 0;  // of the record that they share; 0 where there is none yet
+  };
+
+  PositionIndex byNameAndId;
+  LargeVector<OfTrack> byTrack;  // by number
+};
+
+}  // namespace Orvane
