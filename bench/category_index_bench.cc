@@ -1,8 +1,9 @@
 // Ordering the tracks by the names of artists and the like.
 #include <benchmark/benchmark.h>
 
+#include <cstdint>
+#include <deque>
 #include <string>
-#include <vector>
 
 #include "inventory/category_index.h"
 #include "random.h"
@@ -13,37 +14,45 @@ namespace {
 
 constexpr std::uint32_t kTracksPerId = 59;
 
-// What a track brings to the index.
-struct Entry {
-  std::uint32_t id;
-  std::string name;
+// What tracks bring to the index.
+struct Entries {
+  std::deque<std::string> names;
+  std::deque<Orvane::NamedId> entries;
+
+  void add(std::uint32_t id, const std::string& name) {
+    entries.emplace_back(id, names.emplace_back(name));
+  }
 };
 
 // Every id keeps its name; the entries come in no order.
-std::vector<Entry> namedOnce(std::uint32_t count) {
-  std::vector<Entry> entries;
+void namedOnce(std::uint32_t count, Entries& entries) {
   bench::Random random(1);
   for (std::uint32_t i = 0; i < count; ++i) {
     const std::uint32_t id = 1 + random.below(1 + count / kTracksPerId);
-    entries.push_back({id, bench::distinctName(id)});
+    entries.add(id, bench::distinctName(id));
   }
-  return entries;
 }
 
 // Every entry gives its id another name.
-std::vector<Entry> renamedAlways(std::uint32_t count) {
-  std::vector<Entry> entries = namedOnce(count);
-  for (std::uint32_t i = 0; i < count; ++i) entries[i].name = bench::distinctName(i);
-  return entries;
+void renamedAlways(std::uint32_t count, Entries& entries) {
+  bench::Random random(1);
+  for (std::uint32_t i = 0; i < count; ++i) {
+    entries.add(1 + random.below(1 + count / kTracksPerId), bench::distinctName(i));
+  }
 }
 
-template <std::vector<Entry> (*makeEntries)(std::uint32_t)>
+void insert(const Entries& entries, Orvane::CategoryIndex& index) {
+  std::uint32_t track = 0;
+  for (const Orvane::NamedId& entry : entries.entries) index.insert(entry, track++);
+}
+
+template <void (*makeEntries)(std::uint32_t, Entries&)>
 void insertAndOrder(benchmark::State& state) {
-  const std::vector<Entry> entries = makeEntries(bench::sizeOf(state));
+  Entries entries;
+  makeEntries(bench::sizeOf(state), entries);
   while (state.KeepRunning()) {
     Orvane::CategoryIndex index(Orvane::CategoryIndex::Order::kByName);
-    std::uint32_t track = 0;
-    for (const Entry& entry : entries) index.insert(entry.id, entry.name, track++);
+    insert(entries, index);
     benchmark::DoNotOptimize(index.tracksInOrder());
   }
   bench::countItems(state);
@@ -52,10 +61,10 @@ BENCHMARK(insertAndOrder<namedOnce>)->Apply(bench::sizes);
 BENCHMARK(insertAndOrder<renamedAlways>)->Apply(bench::sizes);
 
 void orderOnly(benchmark::State& state) {
-  const std::vector<Entry> entries = namedOnce(bench::sizeOf(state));
+  Entries entries;
+  namedOnce(bench::sizeOf(state), entries);
   Orvane::CategoryIndex index(Orvane::CategoryIndex::Order::kByName);
-  std::uint32_t track = 0;
-  for (const Entry& entry : entries) index.insert(entry.id, entry.name, track++);
+  insert(entries, index);
   while (state.KeepRunning()) benchmark::DoNotOptimize(index.tracksInOrder());
   bench::countItems(state);
 }

@@ -10,15 +10,6 @@
 
 namespace Orvane {
 
-namespace {
-
-// The same bytes at the same place, as the texts of tracks that share a name are, need no look.
-bool isSameText(std::string_view a, std::string_view b) {
-  return (a.data() == b.data() && a.size() == b.size()) || a == b;
-}
-
-}  // namespace
-
 bool CategoryIndex::orders(std::uint32_t a, std::uint32_t b) const {
   if (order_ == Order::kByNumber) return names_[a].id < names_[b].id;
   return names_[a].folded() < names_[b].folded();
@@ -33,25 +24,29 @@ std::uint32_t CategoryIndex::positionOf(std::uint32_t id) const {
   return found.position;
 }
 
-std::uint32_t CategoryIndex::nameFor(std::uint32_t id, std::string_view text) {
+std::uint32_t CategoryIndex::enterId(std::uint32_t id) {
   std::uint32_t position = positionOf(id);
-  const bool isNew = position == kUnknown;
-  if (isNew) {
+  if (position == kUnknown) {
     position = static_cast<std::uint32_t>(names_.size());
     names_.push_back({.id = id});
     nameById_.enter(id, position);
   }
-  Name& name = names_[position];
-  if (order_ == Order::kByName && (isNew || !isSameText(name.text(), text))) {
-    const std::string folded = foldName(text);
-    if (folded != name.folded()) {
+  return position;
+}
+
+// Tracks that have the same name share what it is in: then there is nothing to be looked at.
+void CategoryIndex::rename(Name& name, const NamedId& entry) {
+  if (name.named == &entry) return;
+  const bool isNew = name.named == nullptr;
+  if (isNew || name.named->name() != entry.name()) {
+    const std::string folded = foldName(entry.name());
+    if (isNew || folded != name.folded()) {
       if (!isNew) placeEntries();
       name.foldedBytes = foldedNames_.keep(folded).data();
+      name.size = static_cast<std::uint32_t>(folded.size());
     }
-    name.bytes = text.data();
-    name.size = static_cast<std::uint32_t>(text.size());
   }
-  return position;
+  name.named = &entry;
 }
 
 void CategoryIndex::placeEntries() {
@@ -62,8 +57,7 @@ void CategoryIndex::placeEntries() {
   entries_.clear();
 }
 
-void CategoryIndex::insert(std::uint32_t id, std::string_view name, std::uint32_t track) {
-  const std::uint32_t position = nameFor(id, name);
+void CategoryIndex::add(std::uint32_t position, std::uint32_t track) {
   if (placed_) {
     placed_->emplace(position, track);
   } else {
@@ -71,9 +65,19 @@ void CategoryIndex::insert(std::uint32_t id, std::string_view name, std::uint32_
   }
 }
 
-std::string_view CategoryIndex::nameOf(std::uint32_t id) const {
+void CategoryIndex::insert(const NamedId& entry, std::uint32_t track) {
+  const std::uint32_t position = enterId(entry.id());
+  rename(names_[position], entry);
+  add(position, track);
+}
+
+void CategoryIndex::insert(std::uint32_t id, std::uint32_t track) {
+  add(enterId(id), track);
+}
+
+const NamedId* CategoryIndex::find(std::uint32_t id) const {
   const std::uint32_t position = positionOf(id);
-  return position == kUnknown ? std::string_view() : names_[position].text();
+  return position == kUnknown ? nullptr : names_[position].named;
 }
 
 LargeVector<std::uint32_t> CategoryIndex::tracksInOrder() const {

@@ -12,6 +12,7 @@
 #include "inventory/id_map.h"
 #include "tree/arena.h"
 #include "tree/huge_pages.h"
+#include "tree/named_id.h"
 #include "tree/prefetch.h"
 
 namespace Orvane {
@@ -33,26 +34,31 @@ class CategoryIndex {
   CategoryIndex(const CategoryIndex&) = delete;
   CategoryIndex& operator=(const CategoryIndex&) = delete;
 
-  // Gives the id that name, then enters (id, track). The name's bytes must outlive the index, or
+  // Gives the id of `entry` its name, then enters (id, track). `entry` must outlive the index, or
   // the next clear().
-  void insert(std::uint32_t id, std::string_view name, std::uint32_t track);
+  void insert(const NamedId& entry, std::uint32_t track);
 
-  // Ask, in this order and each in time for the next, for what nameOf(id) looks at: the id's entry,
-  // its name, the bytes of that.
+  // The same where ids have no names: for an order by number.
+  void insert(std::uint32_t id, std::uint32_t track);
+
+  // Ask, in this order and each in time for the next, for what find(id) looks at: the id's entry,
+  // what that leads to, and the name, which is best kept right behind its NamedId.
   void expectId(std::uint32_t id) const { nameById_.expect(id); }
   void expectName(std::uint32_t id) const {
     const std::uint32_t position = positionOf(id);
     if (position != kUnknown) prefetch(&names_[position]);
   }
   void expectText(std::uint32_t id) const {
-    const std::string_view name = nameOf(id);
-    prefetch(name.data());
-    prefetch(name.data() + name.size());  // it may reach into the next line of the cache
+    const std::uint32_t position = positionOf(id);
+    if (position == kUnknown) return;
+    const Name& name = names_[position];
+    prefetch(name.named);
+    prefetch(reinterpret_cast<const char*>(name.named + 1) + name.size);
   }
 
-  // The name of the id, empty if it never had an entry. Not for several threads: it remembers
-  // what it has found.
-  std::string_view nameOf(std::uint32_t id) const;
+  // What the id was last entered with, nullptr if it never was, or if the order is by number. Not
+  // for several threads: it remembers what it has found.
+  const NamedId* find(std::uint32_t id) const;
 
   // The track numbers of all entries, in order.
   LargeVector<std::uint32_t> tracksInOrder() const;
@@ -70,13 +76,12 @@ class CategoryIndex {
 
  private:
   struct Name {
+    const NamedId* named = nullptr;     // nullptr when the order is by number
+    const char* foldedBytes = nullptr;  // of the name; likewise
+    std::uint32_t size = 0;             // of either
     std::uint32_t id = 0;
-    std::uint32_t size = 0;
-    const char* bytes = nullptr;
-    const char* foldedBytes = nullptr;  // as many; nullptr when the order is by number
 
-    std::string_view text() const { return {bytes, size}; }
-    std::string_view folded() const { return {foldedBytes, foldedBytes == nullptr ? 0 : size}; }
+    std::string_view folded() const { return {foldedBytes, size}; }
   };
 
   // Compares positions in names_ by what the names are at the time of the comparison.
@@ -90,7 +95,9 @@ class CategoryIndex {
 
   bool orders(std::uint32_t a, std::uint32_t b) const;
   std::uint32_t positionOf(std::uint32_t id) const;
-  std::uint32_t nameFor(std::uint32_t id, std::string_view text);
+  std::uint32_t enterId(std::uint32_t id);
+  void rename(Name& name, const NamedId& entry);
+  void add(std::uint32_t position, std::uint32_t track);
   void placeEntries();
 
   Order order_;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -56,15 +57,22 @@ MenuNode& appendAlbum(MenuNode& parent, const Track& track) {
   return appendMenu(parent, track.getAlbumName(), RecType::kAlbum, track.getAlbumId());
 }
 
-// Calls `use` with each track of a category's entries, in order, and with its number.
-template <typename Use>
-void forEachTrack(const TrackIndex& index, const CategoryIndex& category, Use use) {
+// Calls `use` with each track of a category's entries, in order, and with its number. Before that,
+// `expect` is called with the track, in time to ask for what `use` looks at beyond it.
+template <typename Use, typename... Expect>
+void forEachTrack(const TrackIndex& index, const CategoryIndex& category, Use use,
+                  Expect... expect) {
   const TrackTable& tracks = index.getTracksByNumber();
   const LargeVector<TrackIndex::Number> numbers = category.tracksInOrder();
   forEachPrefetched(
       numbers.size(), [&](std::size_t i) { use(*tracks[numbers[i]], numbers[i]); },
       [&](std::size_t i) { prefetch(&tracks[numbers[i]]); },
-      [&](std::size_t i) { prefetchTrack(tracks[numbers[i]]); });
+      [&](std::size_t i) { prefetchTrack(tracks[numbers[i]]); },
+      [&](std::size_t i) { expect(*tracks[numbers[i]]); }...);
+}
+
+void expectAlbum(const Track& track) {
+  prefetch(&track.getAlbum());
 }
 
 // Tells the runs of equal ids apart in a sequence.
@@ -103,12 +111,9 @@ void addArtistsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& categ
   std::vector<Album> albums;
   PositionIndex albumIndex;
 
-  // The albums met last: most tracks are of one of these, and to know them by where the name is
-  // takes no look at its bytes.
+  // The albums met last, each in a place that its address decides: most tracks are of one of these.
   struct Recent {
-    const char* name = nullptr;
-    std::size_t nameSize = 0;
-    std::uint32_t id = 0;
+    const NamedId* id = nullptr;
     std::uint32_t run = 0;  // counted from 1, so that no track is taken for one of no album
     std::uint32_t album = 0;
   };
@@ -117,33 +122,38 @@ void addArtistsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& categ
   RunDetector runs;
   MenuNode* artist = nullptr;
   std::uint32_t run = 0;
-  forEachTrack(index, index.getArtists(), [&](const Track& track, TrackIndex::Number number) {
-    if (runs.startsRun(track.getArtistId())) {
-      artist = &appendMenu(category, track.getArtistName(), RecType::kArtist, track.getArtistId());
-      ++run;
-    }
-    const std::string_view fullName = track.getAlbumName();
-    const std::uint32_t id = track.getAlbumId();
-    Recent& recent = recents[id % recents.size()];
-    if (recent.run != run || recent.id != id || recent.name != fullName.data() ||
-        recent.nameSize != fullName.size()) {
-      const std::string_view name = MenuNode::storedForm(fullName);
-      const auto next = static_cast<std::uint32_t>(albums.size());
-      const std::uint32_t hash = hashNameAndId(name, id) + run * 0x9E3779B9U;
-      std::uint32_t album = albumIndex.findOrInsert(hash, next, [&](std::uint32_t candidate) {
-        const Album& other = albums[candidate];
-        return other.artist == artist && other.menu->getMediaId() == id &&
-               other.menu->getName() == name;
-      });
-      // It is the whole name that is looked for among the stored ones: one too long to be stored
-      // whole is never found, and each such track gets an album menu to itself.
-      const bool isShortened = fullName.size() > name.size();
-      if (isShortened) album = next;
-      if (album == next) albums.push_back({artist, &appendAlbum(*artist, track)});
-      recent = {fullName.data(), fullName.size(), id, isShortened ? 0 : run, album};
-    }
-    leaves.append(*albums[recent.album].menu, number);
-  });
+  forEachTrack(
+      index, index.getArtists(),
+      [&](const Track& track, TrackIndex::Number number) {
+        if (runs.startsRun(track.getArtistId())) {
+          artist =
+              &appendMenu(category, track.getArtistName(), RecType::kArtist, track.getArtistId());
+          ++run;
+        }
+        const NamedId* const address = &track.getAlbum();
+        Recent& recent =
+            recents[std::hash<const NamedId*>()(address) / sizeof(NamedId) % recents.size()];
+        if (recent.run != run || recent.id != address) {
+          const std::string_view fullName = track.getAlbumName();
+          const std::uint32_t id = track.getAlbumId();
+          const std::string_view name = MenuNode::storedForm(fullName);
+          const auto next = static_cast<std::uint32_t>(albums.size());
+          const std::uint32_t hash = hashNameAndId(name, id) + run * 0x9E3779B9U;
+          std::uint32_t album = albumIndex.findOrInsert(hash, next, [&](std::uint32_t candidate) {
+            const Album& other = albums[candidate];
+            return other.artist == artist && other.menu->getMediaId() == id &&
+                   other.menu->getName() == name;
+          });
+          // It is the whole name that is looked for among the stored ones: one too long to be
+          // stored whole is never found, and each such track gets an album menu to itself.
+          const bool isShortened = fullName.size() > name.size();
+          if (isShortened) album = next;
+          if (album == next) albums.push_back({artist, &appendAlbum(*artist, track)});
+          recent = {address, isShortened ? 0 : run, album};
+        }
+        leaves.append(*albums[recent.album].menu, number);
+      },
+      expectAlbum);
 }
 
 void addAlbumsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& category) {
@@ -154,20 +164,23 @@ void addAlbumsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& catego
 
   RunDetector runs;
   MenuNode* album = nullptr;
-  forEachTrack(index, index.getAlbums(), [&](const Track& track, TrackIndex::Number number) {
-    if (runs.startsRun(track.getAlbumId())) {
-      const std::string_view name = MenuNode::storedForm(track.getAlbumName());
-      const auto next = static_cast<std::uint32_t>(albums.size());
-      const std::uint32_t found = albumIndex.findOrInsert(
-          hashNameAndId(name, track.getAlbumId()), next, [&](std::uint32_t candidate) {
-            return albums[candidate]->getMediaId() == track.getAlbumId() &&
-                   albums[candidate]->getName() == name;
-          });
-      if (found == next) albums.push_back(&appendAlbum(category, track));
-      album = albums[found];
-    }
-    leaves.append(*album, number);
-  });
+  forEachTrack(
+      index, index.getAlbums(),
+      [&](const Track& track, TrackIndex::Number number) {
+        if (runs.startsRun(track.getAlbumId())) {
+          const std::string_view name = MenuNode::storedForm(track.getAlbumName());
+          const auto next = static_cast<std::uint32_t>(albums.size());
+          const std::uint32_t found = albumIndex.findOrInsert(
+              hashNameAndId(name, track.getAlbumId()), next, [&](std::uint32_t candidate) {
+                return albums[candidate]->getMediaId() == track.getAlbumId() &&
+                       albums[candidate]->getName() == name;
+              });
+          if (found == next) albums.push_back(&appendAlbum(category, track));
+          album = albums[found];
+        }
+        leaves.append(*album, number);
+      },
+      expectAlbum);
 }
 
 void addSongsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& category) {

@@ -19,13 +19,13 @@ bool TrackIndex::add(Track& track) {
   track.number_ = number <= kMaxToldNumber ? number & kMaxToldNumber : 0;
   if (hasOwnList_) ownList_.push_back(&track);
 
-  const auto enter = [number](CategoryIndex& category, std::uint32_t id, std::string_view name) {
-    if (id != 0) category.insert(id, name, number);
+  const auto enter = [number](CategoryIndex& category, const NamedId& entry) {
+    if (entry.id() != 0) category.insert(entry, number);
   };
-  enter(genres_, track.getGenreId(), track.getGenreName());
-  enter(artists_, track.getArtistId(), track.getArtistName());
-  enter(albums_, track.getAlbumId(), track.getAlbumName());
-  enter(ratings_, track.getRating(), {});
+  enter(genres_, track.getGenre());
+  enter(artists_, track.getArtist());
+  enter(albums_, track.getAlbum());
+  if (track.getRating() != 0) ratings_.insert(track.getRating(), number);
   return true;
 }
 

@@ -32,24 +32,30 @@ bool TrackManager::hasTrack(std::uint32_t mediaId) const {
   return index_->has(mediaId);
 }
 
+// What the id was last entered with, if that has the name, otherwise a new one.
+const NamedId& TrackManager::keep(const CategoryIndex& category, std::uint32_t id,
+                                  std::string_view name) {
+  const NamedId* const known = category.find(id);
+  if (known != nullptr && known->name() == name) return *known;
+  static_assert(std::is_trivially_destructible_v<NamedId>);
+  void* const place = ownNames_.allocate(sizeof(NamedId) + name.size(), alignof(NamedId));
+  char* const bytes = static_cast<char*>(place) + sizeof(NamedId);
+  std::copy(name.begin(), name.end(), bytes);
+  return *new (place) NamedId(id, {bytes, name.size()});
+}
+
 Track* TrackManager::addTrack(std::string_view title, std::uint32_t mediaId,
                               std::string_view artistName, std::uint32_t artistId,
                               std::string_view albumName, std::uint32_t albumId,
                               std::string_view genreName, std::uint32_t genreId,
                               std::uint32_t rating) {
-  const auto keep = [this](std::string_view name, std::string_view known) {
-    return name == known ? known : ownNames_.keep(name);
-  };
   static_assert(std::is_trivially_destructible_v<Track>);
   Track* const track = new (ownTracks_.allocate(sizeof(Track), alignof(Track))) Track();
   track->setTitle(ownTracks_.keep(title));
   track->setMediaId(mediaId);
-  track->setArtistName(keep(artistName, index_->getArtists().nameOf(artistId)));
-  track->setArtistId(artistId);
-  track->setAlbumName(keep(albumName, index_->getAlbums().nameOf(albumId)));
-  track->setAlbumId(albumId);
-  track->setGenreName(keep(genreName, index_->getGenres().nameOf(genreId)));
-  track->setGenreId(genreId);
+  track->setArtist(keep(index_->getArtists(), artistId, artistName));
+  track->setAlbum(keep(index_->getAlbums(), albumId, albumName));
+  track->setGenre(keep(index_->getGenres(), genreId, genreName));
   track->setRating(rating);
   track->isPooled_ = 1;
   registerTrack(track);

@@ -92,6 +92,7 @@ class TrackManager {
   const TrackIndex& getIndex() const { return *index_; }
 
  private:
+  const NamedId& keep(const CategoryIndex& category, std::uint32_t id, std::string_view name);
   template <typename Condition>
   void removeFromPlaylists(Condition condition);
   void removeCategory(CategoryIndex& category, std::uint32_t id,

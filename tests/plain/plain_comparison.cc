@@ -138,12 +138,15 @@ std::string differenceOf(const TrackManager& manager, const PlainInventory& plai
       const auto entry = names.find(id);
       return entry == names.end() ? std::string() : entry->second;
     };
-    difference +=
-        unequal("an artist's name", std::string(index.getArtists().nameOf(track.artistId)),
-                inMap(plain.artistNames, track.artistId));
-    difference += unequal("an album's name", std::string(index.getAlbums().nameOf(track.albumId)),
+    const auto inIndex = [](const CategoryIndex& category, std::uint32_t id) {
+      const NamedId* const entry = category.find(id);
+      return entry == nullptr ? std::string() : std::string(entry->name());
+    };
+    difference += unequal("an artist's name", inIndex(index.getArtists(), track.artistId),
+                          inMap(plain.artistNames, track.artistId));
+    difference += unequal("an album's name", inIndex(index.getAlbums(), track.albumId),
                           inMap(plain.albumNames, track.albumId));
-    difference += unequal("a genre's name", std::string(index.getGenres().nameOf(track.genreId)),
+    difference += unequal("a genre's name", inIndex(index.getGenres(), track.genreId),
                           inMap(plain.genreNames, track.genreId));
   }
   return difference;

@@ -87,11 +87,27 @@ std::vector<std::uint32_t> tracksInOrder(const CategoryIndex& index) {
   return {tracks.begin(), tracks.end()};
 }
 
+std::string_view nameOf(const CategoryIndex& index, std::uint32_t id) {
+  const NamedId* const found = index.find(id);
+  return found == nullptr ? std::string_view() : found->name();
+}
+
+// What is entered has to stay where it is.
+class KeptEntries {
+ public:
+  const NamedId& entry(std::uint32_t id, const std::string& name) {
+    return entries_.emplace_back(id, names_.emplace_back(name));
+  }
+
+ private:
+  std::deque<std::string> names_;
+  std::deque<NamedId> entries_;
+};
+
 class CategoryIndexChanges : public ::testing::Test {
  protected:
   void insert(std::uint32_t id, const std::string& name) {
-    const std::string& kept = texts_.emplace_back(name);
-    index_.insert(id, kept, nextTrack_);
+    index_.insert(entries_.entry(id, name), nextTrack_);
     plain_.insert(id, name, nextTrack_);
     ++nextTrack_;
   }
@@ -108,14 +124,14 @@ class CategoryIndexChanges : public ::testing::Test {
     ASSERT_EQ(tracksInOrder(index_), plain_.tracks());
     for (std::uint32_t id = 0; id < 12; ++id) {
       ASSERT_EQ(index_.tracksOf(id), plain_.tracksOf(id)) << id;
-      ASSERT_EQ(index_.nameOf(id), plain_.nameOf(id)) << id;
+      ASSERT_EQ(nameOf(index_, id), plain_.nameOf(id)) << id;
     }
   }
 
   std::mt19937 random_ = seededRandom(1);
   CategoryIndex index_{CategoryIndex::Order::kByName};
   PlainCategory plain_;
-  std::deque<std::string> texts_;
+  KeptEntries entries_;
   std::uint32_t nextTrack_ = 0;
 };
 
@@ -193,48 +209,69 @@ TEST(CategoryIndex, OfNothingHasNothing) {
   const CategoryIndex index(CategoryIndex::Order::kByName);
   EXPECT_THAT(index.tracksInOrder(), IsEmpty());
   EXPECT_THAT(index.tracksOf(1), IsEmpty());
-  EXPECT_EQ(index.nameOf(1), "");
+  EXPECT_EQ(index.find(1), nullptr);
+}
+
+TEST(CategoryIndex, FindsWhatAnIdCameWithLast) {
+  CategoryIndex index(CategoryIndex::Order::kByName);
+  const NamedId one(1, "One");
+  const NamedId same(1, "One");
+  const NamedId far(257, "Far");
+  index.insert(one, 0);
+  index.insert(far, 1);
+  EXPECT_EQ(index.find(1), &one);
+  index.insert(same, 2);
+  EXPECT_EQ(index.find(1), &same);
+  EXPECT_EQ(index.find(257), &far);
+  EXPECT_EQ(index.find(513), nullptr);
 }
 
 TEST(CategoryIndex, ErasingLeavesNames) {
   CategoryIndex index(CategoryIndex::Order::kByName);
-  index.insert(1, "One", 0);
+  const NamedId one(1, "One");
+  index.insert(one, 0);
   index.eraseId(1);
   EXPECT_THAT(index.tracksInOrder(), IsEmpty());
-  EXPECT_EQ(index.nameOf(1), "One");
+  EXPECT_EQ(index.find(1), &one);
   index.clear();
-  EXPECT_EQ(index.nameOf(1), "");
+  EXPECT_EQ(index.find(1), nullptr);
 }
 
 TEST(CategoryIndex, SameNameInAnotherCaseMovesNothing) {
   CategoryIndex index(CategoryIndex::Order::kByName);
-  index.insert(1, "beta", 0);
-  index.insert(2, "alpha", 1);
-  index.insert(1, "BETA", 2);
+  const NamedId beta(1, "beta");
+  const NamedId alpha(2, "alpha");
+  const NamedId capitals(1, "BETA");
+  index.insert(beta, 0);
+  index.insert(alpha, 1);
+  index.insert(capitals, 2);
   EXPECT_THAT(index.tracksInOrder(), ElementsAre(1, 0, 2));
-  EXPECT_EQ(index.nameOf(1), "BETA");
+  EXPECT_EQ(nameOf(index, 1), "BETA");
 }
 
-TEST(CategoryIndex, TheSamePlaceMayHoldAShorterName) {
-  const std::string text = "Abba";
+TEST(CategoryIndex, EmptyNamesComeFirst) {
   CategoryIndex index(CategoryIndex::Order::kByName);
-  index.insert(1, text, 1);
-  index.insert(1, std::string_view(text).substr(0, 2), 2);
-  EXPECT_EQ(index.nameOf(1), "Ab");
+  const NamedId named(1, "a");
+  const NamedId empty(2, "");
+  const NamedId noLonger(1, "");
+  index.insert(named, 0);
+  index.insert(empty, 1);
+  EXPECT_THAT(index.tracksInOrder(), ElementsAre(1, 0));
+  index.insert(noLonger, 2);
+  EXPECT_THAT(index.tracksInOrder(), ElementsAre(1, 0, 2)) << "what is in place stays there";
+  EXPECT_EQ(nameOf(index, 1), "");
 }
 
-TEST(CategoryIndex, ByNumberTakesNoNotice) {
+TEST(CategoryIndex, ByNumberTakesNoNames) {
   CategoryIndex index(CategoryIndex::Order::kByNumber);
-  index.insert(10, "a", 0);
-  index.insert(9, "z", 1);
-  index.insert(4294967295, "", 2);
-  index.insert(9, "b", 3);
-  index.insert(1, "zz", 4);
+  std::uint32_t track = 0;
+  for (const std::uint32_t id : {10U, 9U, 4294967295U, 9U, 1U}) index.insert(id, track++);
   EXPECT_THAT(index.tracksInOrder(), ElementsAre(4, 1, 3, 0, 2));
+  EXPECT_EQ(index.find(9), nullptr);
   const std::vector<std::uint32_t> tracks{1, 2};
   index.eraseTracks(tracks);
   EXPECT_THAT(index.tracksInOrder(), ElementsAre(4, 3, 0));
-  index.insert(5, "", 5);
+  index.insert(5, 5);
   EXPECT_THAT(index.tracksInOrder(), ElementsAre(4, 5, 3, 0));
 }
 

@@ -150,14 +150,14 @@ TEST(TrackManager, ClearForgetsAllButKeepsWhatItHandedOut) {
   EXPECT_THAT(playlistNames(manager), IsEmpty());
   EXPECT_THAT(artists(manager), IsEmpty());
   EXPECT_THAT(ratings(manager), IsEmpty());
-  EXPECT_EQ(manager.getIndex().getArtists().nameOf(1), "");
+  EXPECT_EQ(manager.getIndex().getArtists().find(1), nullptr);
   EXPECT_EQ(track->getTitle(), "Kept");
   EXPECT_EQ(track->getArtistName(), "A");
   EXPECT_EQ(playlist->getName(), "Kept too");
 
   addSong(manager, 1, "New", 1, "B");
   EXPECT_EQ(manager.findTrack(1)->getTitle(), "New");
-  EXPECT_EQ(manager.getIndex().getArtists().nameOf(1), "B");
+  EXPECT_EQ(manager.getIndex().getArtists().find(1)->name(), "B");
 }
 
 }  // namespace

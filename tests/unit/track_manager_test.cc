@@ -75,7 +75,7 @@ TEST(TrackManager, FirstTrackOfAMediaIdCounts) {
   EXPECT_THAT(albums(manager), ElementsAre(7, 8));
   EXPECT_THAT(genres(manager), ElementsAre(7, 8));
   EXPECT_THAT(ratings(manager), ElementsAre(7));
-  EXPECT_EQ(manager.getIndex().getArtists().nameOf(2), "");
+  EXPECT_EQ(manager.getIndex().getArtists().find(2), nullptr);
   EXPECT_EQ(second->getTitle(), "Second");
 }
 
@@ -127,7 +127,7 @@ TEST(TrackManager, NewNameOfAnIdPlacesOnlyLaterEntries) {
   addSong(manager, 1, "1", 1, "Mo");
   addSong(manager, 2, "2", 2, "Bo");
   addSong(manager, 3, "3", 1, "Al");
-  EXPECT_EQ(manager.getIndex().getArtists().nameOf(1), "Al");
+  EXPECT_EQ(manager.getIndex().getArtists().find(1)->name(), "Al");
   EXPECT_THAT(artists(manager), ElementsAre(2, 1, 3));
 }
 
@@ -208,9 +208,12 @@ TEST(TrackManager, AddingGoesThroughRegistering) {
 TEST(Track, IsStreamedAsTitleArtistAndAlbum) {
   Track track;
   track.setTitle("Song");
-  track.setArtistName("Singer");
-  track.setAlbumName("Record");
-  track.setGenreName("Unseen");
+  const NamedId artist(1, "Singer");
+  const NamedId album(2, "Record");
+  const NamedId genre(3, "Unseen");
+  track.setArtist(artist);
+  track.setAlbum(album);
+  track.setGenre(genre);
   std::ostringstream out;
   out << track;
   EXPECT_EQ(out.str(), "Song | Singer | Record");
