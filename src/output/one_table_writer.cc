@@ -8,6 +8,7 @@
 #include "output/one_table_layout.h"
 #include "output/record_sink.h"
 #include "tree/child_view.h"
+#include "tree/huge_pages.h"
 
 namespace Orvane {
 
@@ -20,6 +21,7 @@ bool writeOneTable(const MenuTree& tree, Buffer& buffer) {
   std::array<std::uint8_t, kOneTableHeaderSize> header{};
   fillFileHeader(header, 1, table.size(), 0);
 
+  giveBackSpareMemory();  // the system needs as much for the file
   buffer.openForWrite();
   RecordSink sink(buffer);
   sink.putHeader(header);

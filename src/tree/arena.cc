@@ -12,7 +12,7 @@ constexpr std::size_t kLargestBlock = std::size_t{1} << 23;
 
 // From so many blocks on, one more is no waste to speak of: it gets its pages while the one before
 // is being filled.
-constexpr std::size_t kBlocksBeforeNext = 11;
+constexpr std::size_t kBlocksBeforeNext = 18;
 
 }  // namespace
 
