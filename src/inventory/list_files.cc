@@ -7,7 +7,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <thread>
 
 #include "errors/printable.h"
 #include "inventory/decimal_number.h"
@@ -15,6 +14,7 @@
 #include "inventory/line_reader.h"
 #include "inventory/track_batch.h"
 #include "tree/made_ahead.h"
+#include "tree/parallel.h"
 
 namespace Orvane {
 
@@ -54,7 +54,7 @@ void readTracks(TrackManager& manager, const char* path, LaterTracks& laterTrack
 
   LineReader reader(path);
   if (reportUnopened(reader, path)) return;
-  const bool isAlone = std::thread::hardware_concurrency() < 2;
+  const bool isAlone = usableProcessors() < 2;
   TrackBatch first;
   while (!reader.atEnd() && (isAlone || reader.lineNumber() < kFirstLines)) {
     first.read(reader, path, kFirstBatchLines, false);

@@ -7,6 +7,7 @@
 #include <exception>
 #include <thread>
 
+#include "tree/parallel.h"
 #include "tree/spare_memory.h"
 
 namespace Orvane {
@@ -93,7 +94,7 @@ void giveBackSpareMemory() noexcept {
 
 void makePagesAhead(void* memory, std::size_t size) {
 #ifdef MADV_POPULATE_WRITE
-  if (std::thread::hardware_concurrency() < 2) return;
+  if (usableProcessors() < 2) return;
   const auto makePages = [begin = static_cast<std::byte*>(memory), size] {
     for (std::size_t at = 0; at < size; at += kHugePageSize) {
       if (::madvise(begin + at, kHugePageSize, MADV_POPULATE_WRITE) != 0) return;

@@ -1,5 +1,7 @@
 #include "tree/parallel.h"
 
+#include <sched.h>
+
 #include <algorithm>
 #include <atomic>
 #include <exception>
@@ -9,11 +11,19 @@
 
 namespace Orvane {
 
+std::size_t usableProcessors() noexcept {
+  cpu_set_t usable;
+  if (::sched_getaffinity(0, sizeof(usable), &usable) == 0) {
+    return static_cast<std::size_t>(CPU_COUNT(&usable));
+  }
+  return std::max(std::thread::hardware_concurrency(), 1U);  // more of them than the set can tell
+}
+
 std::size_t workersFor(std::size_t steps) {
   constexpr std::size_t kStepsWorthAThread = 200'000;
   constexpr std::size_t kMostWorkers = 8;
   if (steps < kStepsWorthAThread) return 1;
-  return std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1, kMostWorkers);
+  return std::min(usableProcessors(), kMostWorkers);
 }
 
 void forEachInParallel(std::size_t count, std::size_t workers,

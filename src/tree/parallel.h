@@ -5,9 +5,13 @@
 
 namespace Orvane {
 
-// How many workers are worth having for what takes `steps` short steps in all: one for each
-// processor that this process may use, but no more than eight; just one when starting threads would
-// take longer than they save.
+// How many processors this process may use, at least one: with taskset or in a container that can
+// be fewer than the machine has.
+std::size_t usableProcessors() noexcept;
+
+// How many workers are worth having for what takes `steps` short steps in all: one for each usable
+// processor, but no more than eight; just one when starting threads would take longer than they
+// save.
 std::size_t workersFor(std::size_t steps);
 
 // Calls `work(i, worker)` once for each i below `count`, in any order, `workers` at a time;

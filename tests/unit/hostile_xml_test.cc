@@ -163,6 +163,21 @@ TEST_F(HostileXml, RefersToItsParameterEntitiesTooOften) {
   EXPECT_EQ(reading.lines(), std::vector<std::string>{"0: 1 0 'root' 7 0 0"});
 }
 
+// What was wrong before is what is told.
+TEST_F(HostileXml, RefersToItsParameterEntitiesTooOftenAfterAMistake) {
+  std::string document = "<?xml version='1.0' standalone='yes'?>\n" + laughs(8, 10);
+  document.insert(document.find("%a8;]"), "%none;\n");
+  const TempDir dir;
+  const std::string path = dir / "menu.xml";
+  writeFile(path, document);
+  const XmlReading reading = readXmlFile(path);
+  EXPECT_EQ(reading.output, "Exception caught: Document not well-formed.\nFile " + path +
+                                ", line 2, column " +
+                                std::to_string(document.find("\n%a8;") - document.find('\n')) +
+                                " (fatal):\nPEReference: %none; not found\n\n");
+  EXPECT_EQ(reading.lines(), std::vector<std::string>{"0: 1 0 'root' 7 0 0"});
+}
+
 TEST_F(HostileXml, SharesWhatItDeclares) {
   constexpr int kMany = 20000;
   constexpr std::size_t kLong = 1000000;

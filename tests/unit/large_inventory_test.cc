@@ -12,6 +12,7 @@
 #include "list_reading.h"
 #include "seeded_random.h"
 #include "test_support.h"
+#include "tree/parallel.h"
 
 namespace Orvane::test {
 namespace {
@@ -72,6 +73,7 @@ TEST(LargeInventory, IsTheSameOnOneProcessorAndOnSeveral) {
     run(options);
     {
       const OneProcessor processor;
+      ASSERT_EQ(usableProcessors(), 1U);
       options.outputFile = one.c_str();
       run(options);
     }

@@ -129,6 +129,18 @@ TEST_F(TwoTableWriter, FailedWritePassesThroughAndLeavesNothingBehind) {
   }
 }
 
+// With as many records, others are encoded when the first one is written.
+TEST_F(TwoTableWriter, FailedWriteEndsTheEncodingAhead) {
+  constexpr std::size_t kChildren = 250'000;
+  for (std::uint32_t id = 1; id <= kChildren; ++id) addMedia(root_, id, "B");
+  constexpr std::size_t kHeaders = 3;
+  RecordingBuffer buffer;
+  buffer.failingWrite = kHeaders + 1 + kChildren;
+  EXPECT_THROW(writeTwoTable(tree_, buffer), OVWriteError);
+  EXPECT_EQ(buffer.calls.size(), buffer.failingWrite + 2);
+  EXPECT_EQ(buffer.calls.back(), "write 72");
+}
+
 TEST_F(TwoTableWriter, WritesTheSameTwice) {
   addMedia(addMenu(root_, 5, "A"), 17, "B");
   RecordingBuffer first;
