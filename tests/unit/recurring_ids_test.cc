@@ -51,7 +51,7 @@ TEST(RecurringIds, FewOfManyAreTakenForOthers) {
 TEST(RecurringIds, ThreadsMeetTheSameIds) {
   constexpr std::uint32_t kCount = 100'000;
   RecurringIds ids(kCount);
-  forEachInParallel(2 * kCount, 4, [&](std::size_t i, std::size_t /*worker*/) {
+  forEachInParallel(std::size_t{2} * kCount, 4, [&](std::size_t i, std::size_t /*worker*/) {
     ids.meet(static_cast<std::uint32_t>(i / 2));
   });
   std::uint32_t recurring = 0;
