@@ -134,8 +134,8 @@ def build(programs: tuple[str, ...]) -> None:
     copy_source()
     subprocess.run(["cmake", "-S", SOURCE, "-B", TREE, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=None",
                     "-DCMAKE_CXX_COMPILER=g++", f"-DCMAKE_CXX_FLAGS={FLAGS}",
-                    "-DSKEINMAKE_BUILD_TESTS=ON"], stdin=subprocess.DEVNULL,
-                   stdout=subprocess.DEVNULL, check=True)
+                    "-DSKEINMAKE_BUILD_TESTS=ON", "-DSKEINMAKE_PRECOMPILE=ON"],
+                   stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, check=True)
     if not compile_programs(programs):
         raise SystemExit("the programs cannot be compiled: see cmake --build build/mutation/tree")
 
@@ -148,8 +148,8 @@ def subject_of(folder: str) -> Subject:
     return SKEIN if is_skein(folder) else MAKER
 
 
-def copy_programs(folder: str, directory: Path) -> None:
-    for name in subject_of(folder).files():
+def copy_programs(names: tuple[str, ...], directory: Path) -> None:
+    for name in names:
         shutil.copy(find_program(name), directory / name)
 
 
@@ -158,7 +158,7 @@ def prepare(folder: str, directory: Path) -> None:
     restore_source()
     if not (TREE / "build.ninja").exists() or not compile_programs(subject_of(folder).files()):
         raise SystemExit("there are no programs to mutate: run build first")
-    copy_programs(folder, directory)
+    copy_programs(subject_of(folder).files(), directory)
 
 
 def make_judge(folder: str) -> Judge:
@@ -228,7 +228,6 @@ def run_code(arguments: argparse.Namespace) -> None:
 def run_text(arguments: argparse.Namespace) -> None:
     results = Results(WORK / "results.jsonl")
     deadline = Deadline(arguments.seconds)
-    programs = subject_of(arguments.folder).files()
     with locked(), tempfile.TemporaryDirectory(prefix="mutation-programs-") as name:
         directory, changed = Path(name, "unchanged"), Path(name, "changed")
         directory.mkdir()
@@ -246,14 +245,26 @@ def run_text(arguments: argparse.Namespace) -> None:
             caught = string_is_missed(mutant, arguments.folder, directory, judge)
             if not caught:
                 with edited(mutant):
-                    caught = not compile_programs(programs)
-                    if not caught:
-                        copy_programs(arguments.folder, changed)
-                        caught = judge.catches(changed, preferred_tests(mutant.file))
+                    caught = edit_is_missed(mutant, arguments.folder, changed, judge)
             sound.add(mutant.name, CAUGHT if caught else SURVIVED)
         else:
             print(f"{len(mutants)} mutants run")
         sound.confirm()
+
+
+def edit_is_missed(mutant: TextMutant, folder: str, changed: Path, judge: Judge) -> bool:
+    """Whether the edited source isn't compiled, or a test fails. Where a golden case does, there is
+    no need to compile the unit tests, most of which depend on a header."""
+    subject = subject_of(folder)
+    if not compile_programs(subject.programs):
+        return True
+    copy_programs(subject.programs, changed)
+    if judge.golden_case_fails(changed):
+        return True
+    if not compile_programs(subject.unit_tests):
+        return True
+    copy_programs(subject.unit_tests, changed)
+    return judge.catches(changed, preferred_tests(mutant.file))
 
 
 def string_is_missed(mutant: TextMutant, folder: str, directory: Path, judge: Judge) -> bool:

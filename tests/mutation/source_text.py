@@ -106,8 +106,8 @@ def text_mutants(root: Path) -> list[TextMutant]:
         seen: dict[tuple[str, str], int] = {}  # lines with equal texts are told apart by count
         for number, text in enumerate(path.read_text().splitlines(), 1):
             for change in changes(text, "numbers" in kinds, "strings" in kinds):
-                new = change.text
-                count = seen[text, new] = seen.get((text, new), 0) + 1
-                name = f"{file}:{text.strip()}:{new.strip()}:{count}"
+                old, new = text.strip(), change.text.strip()
+                count = seen[old, new] = seen.get((old, new), 0) + 1
+                name = f"{file}:{old}:{new}:{count}"
                 mutants.append(TextMutant(name, file, number, CHANGED, change))
     return mutants

@@ -71,6 +71,13 @@ TEST(DecimalNumber, ReadsEdgeTextsAsTheLibraryDoes) {
   }
 }
 
+TEST(DecimalNumber, SkipsWhatTheLibraryTakesForABlank) {
+  for (int byte = 1; byte < 256; ++byte) {
+    const std::string text = std::string(1, static_cast<char>(byte)) + "1";
+    EXPECT_EQ(parseDecimal(text), libraryNumber(text)) << "byte " << byte;
+  }
+}
+
 TEST(DecimalNumber, ReadsRandomTextsAsTheLibraryDoes) {
   std::mt19937 random = seededRandom(6);
   const std::string alphabet("00112345678999999+- \t\r\nxz.\0\xFF", 28);

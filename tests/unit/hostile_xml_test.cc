@@ -1,6 +1,7 @@
 // Documents that are cut off, damaged or odd in every way that a small document can be, against the
 // plain rendering of the mapping, and documents that are small but mean to be large.
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <libxml/parserInternals.h>
 
@@ -176,6 +177,28 @@ TEST_F(HostileXml, RefersToItsParameterEntitiesTooOftenAfterAMistake) {
                                 std::to_string(document.find("\n%a8;") - document.find('\n')) +
                                 " (fatal):\nPEReference: %none; not found\n\n");
   EXPECT_EQ(reading.lines(), std::vector<std::string>{"0: 1 0 'root' 7 0 0"});
+}
+
+// That is fewer than 8000 times, or than eight times for each byte of the document so far.
+TEST_F(HostileXml, RefersToItsParameterEntitiesAsOftenAsItMay) {
+  const auto refusal = [](std::string_view references, std::size_t padding) {
+    // Each level refers ten times to the one below: %a3; comes to 1111 references, %a2; to 111.
+    std::string document = laughs(3, 10);
+    document.insert(document.find("<!ENTITY"), std::string(padding, ' '));
+    document.replace(document.find("%a3;"), 4, references);
+    const TempDir dir;
+    const std::string path = dir / "menu.xml";
+    writeFile(path, document);
+    return readXmlFile(path).output;
+  };
+  const std::string almost8000 = "%a3;%a3;%a3;%a3;%a3;%a3;%a3;%a2;%a2;";
+  EXPECT_EQ(refusal(almost8000, 0), "");
+  EXPECT_THAT(refusal(almost8000 + "%a0;", 0), ::testing::HasSubstr("Too many references"));
+
+  // On some 1110 bytes.
+  const std::string eightForEach = "%a3;%a3;%a3;%a3;%a3;%a3;%a3;%a3;";
+  EXPECT_EQ(refusal(eightForEach, 780), "");
+  EXPECT_THAT(refusal(eightForEach, 740), ::testing::HasSubstr("Too many references"));
 }
 
 TEST_F(HostileXml, SharesWhatItDeclares) {

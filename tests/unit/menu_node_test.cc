@@ -255,6 +255,14 @@ TEST(MenuNode, WalkVisitsEachChildOnceAndCanBeRepeated) {
   }
 }
 
+TEST(MenuNode, CursorIsAtTheFirstChildToBeginWith) {
+  MenuNode node;
+  addMedia(node, 1, "a");
+  EXPECT_TRUE(node.hasMoreChildren());
+  addMedia(node, 2, "b");
+  EXPECT_EQ(node.nextChild(), node.childrenBegin() + 1);
+}
+
 TEST(MenuNode, LookingAtTheEndsLeavesTheCursor) {
   MenuNode node;
   addMedia(node, 1, "a");
