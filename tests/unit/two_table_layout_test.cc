@@ -209,6 +209,22 @@ TEST_F(TwoTableLayout, TracksShareWithMenusAnywhere) {
                           "late", "again", "x", "alone", "late"));
 }
 
+TEST_F(TwoTableLayout, TracksOfOneIdShareWhereNoMenuHasIt) {
+  std::array<Track, 3> store;
+  TrackTable tracks = {nullptr};
+  for (const auto& [id, title] : {std::pair{5U, "twice"}, {6U, "once"}, {5U, "twice"}}) {
+    Track& track = store[tracks.size() - 1];
+    track.setTitle(title);
+    track.setMediaId(id);
+    tracks.push_back(&track);
+  }
+  tree_.setTrackTable(tracks);
+  for (const std::uint32_t number : {1U, 2U, 3U}) root_.appendLeaf(tracks, number);
+  const Tables tables = written();
+  EXPECT_THAT(tables.names, ElementsAre("root", "twice", "once"));
+  EXPECT_THAT(tables.treeNames(), ElementsAre("root", "twice", "once", "twice"));
+}
+
 TEST_F(TwoTableLayout, PlaylistsComeAfterTheirSiblingsDescendants) {
   MenuNode& playlists = addMenu(root_, 0, "Playlists");
   MenuNode& songs = addMenu(root_, 0, "Songs");
