@@ -28,7 +28,7 @@ class TrackIndex {
 
   // False, and nothing changes, when the media id is known already. Otherwise the track is in the
   // list, under its media id, and in each category in which its id, or rating, isn't 0. The track
-  // and its texts must outlive the index, or the next clear().
+  // and what it refers to must outlive the index, or the next clear().
   bool add(Track& track);
 
   // Says that about so many tracks will be added.

@@ -8,7 +8,7 @@
 namespace Orvane {
 
 // A std::fstream that lets small pieces be put straight into its buffer: a million tracks' records
-// go through it one by one. It writes whole buffers only, until it is closed.
+// go through it one by one. What put() takes reaches the file in whole buffers, but for the last.
 class FileStream : public std::iostream {
  public:
   FileStream() : std::iostream(nullptr) { rdbuf(&file_); }

@@ -25,7 +25,8 @@ void forEachPart(const TrackTable& tracks,
                     });
 }
 
-// Nodes are met twice: what has the id of one has to look for the record to share.
+// Nodes are met twice: what has the id of one has to look for the record to share. A menu's
+// children are all nodes or all numbers.
 void meetNodes(const MenuNode& top, RecurringIds& ids) {
   std::vector<const MenuNode*> menus = {&top};
   while (!menus.empty()) {

@@ -12,8 +12,8 @@ namespace Orvane {
 // Data records by what they are shared by, an id and a name. The root's record is never entered, so
 // nothing shares it; and a track with an id that nothing else in its tree has needs no search.
 struct DataRecordIndex {
-  // For the children in that tree, all of which must be there: what is to share a record with a
-  // track's leaves is told by its id.
+  // For the children that the tree has now. If it has a track table, what comes later may miss the
+  // record that it ought to share with leaves of tracks.
   explicit DataRecordIndex(const MenuTree& tree);
 
   // What of a node's name is compared.

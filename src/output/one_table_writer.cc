@@ -21,7 +21,7 @@ bool writeOneTable(const MenuTree& tree, Buffer& buffer) {
   std::array<std::uint8_t, kOneTableHeaderSize> header{};
   fillFileHeader(header, 1, table.size(), 0);
 
-  giveBackSpareMemory();  // the system needs as much for the file
+  giveBackSpareMemory();
   buffer.openForWrite();
   RecordSink sink(buffer);
   sink.putHeader(header);

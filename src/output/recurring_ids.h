@@ -28,7 +28,7 @@ class RecurringIds {
     }
   }
 
-  // Whether the id may have been met more than once.
+  // Whether the id may have been met more than once. Not while others meet ids.
   bool mayRecur(std::uint32_t id) const { return (words_[wordOf(id)] & (bitOf(id) << 1)) != 0; }
 
  private:

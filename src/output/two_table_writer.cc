@@ -74,7 +74,6 @@ bool writeTwoTable(const MenuTree& tree, Buffer& buffer) {
   std::array<std::uint8_t, kTwoTableHeaderSize> header{};
   fillFileHeader(header, 2, treeTable.size(), static_cast<std::uint32_t>(dataTable.size()));
 
-  // The system needs memory for the file, which what has served its purpose gives it.
   giveBackSpareMemory();
   buffer.openForWrite();
   RecordSink sink(buffer);

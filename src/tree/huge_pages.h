@@ -15,7 +15,8 @@ inline constexpr std::size_t kHugePageSize = std::size_t{1} << 21;
 void* allocateLarge(std::size_t size);
 void freeLarge(void* memory, std::size_t size) noexcept;
 
-// Gives the system back what is kept for the next who asks.
+// Gives the system back what is kept for the next who asks. Worth it before much is written: the
+// system needs memory for the file.
 void giveBackSpareMemory() noexcept;
 
 // Has the pages of memory that will all be touched soon made in the background, by a thread that

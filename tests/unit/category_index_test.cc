@@ -92,24 +92,26 @@ std::string_view nameOf(const CategoryIndex& index, std::uint32_t id) {
   return found == nullptr ? std::string_view() : found->name();
 }
 
-// What is entered has to stay where it is.
-class KeptEntries {
- public:
-  const NamedId& entry(std::uint32_t id, const std::string& name) {
-    return entries_.emplace_back(id, names_.emplace_back(name));
+class NamedCategory : public ::testing::Test {
+ protected:
+  // Of the next track. What is entered has to stay where it is.
+  const NamedId& enter(std::uint32_t id, const std::string& name) {
+    const NamedId& entry = entries_.emplace_back(id, names_.emplace_back(name));
+    index_.insert(entry, nextTrack_++);
+    return entry;
   }
 
- private:
+  CategoryIndex index_{CategoryIndex::Order::kByName};
   std::deque<std::string> names_;
   std::deque<NamedId> entries_;
+  std::uint32_t nextTrack_ = 0;
 };
 
-class CategoryIndexChanges : public ::testing::Test {
+class CategoryIndexChanges : public NamedCategory {
  protected:
   void insert(std::uint32_t id, const std::string& name) {
-    index_.insert(entries_.entry(id, name), nextTrack_);
     plain_.insert(id, name, nextTrack_);
-    ++nextTrack_;
+    enter(id, name);
   }
 
   std::uint32_t below(std::size_t limit) { return static_cast<std::uint32_t>(random_() % limit); }
@@ -129,10 +131,7 @@ class CategoryIndexChanges : public ::testing::Test {
   }
 
   std::mt19937 random_ = seededRandom(1);
-  CategoryIndex index_{CategoryIndex::Order::kByName};
   PlainCategory plain_;
-  KeptEntries entries_;
-  std::uint32_t nextTrack_ = 0;
 };
 
 TEST_F(CategoryIndexChanges, OfNamesManyTimesOver) {
@@ -212,54 +211,40 @@ TEST(CategoryIndex, OfNothingHasNothing) {
   EXPECT_EQ(index.find(1), nullptr);
 }
 
-TEST(CategoryIndex, FindsWhatAnIdCameWithLast) {
-  CategoryIndex index(CategoryIndex::Order::kByName);
-  const NamedId one(1, "One");
-  const NamedId same(1, "One");
-  const NamedId far(257, "Far");
-  index.insert(one, 0);
-  index.insert(far, 1);
-  EXPECT_EQ(index.find(1), &one);
-  index.insert(same, 2);
-  EXPECT_EQ(index.find(1), &same);
-  EXPECT_EQ(index.find(257), &far);
-  EXPECT_EQ(index.find(513), nullptr);
+TEST_F(NamedCategory, FindsWhatAnIdCameWithLast) {
+  const NamedId& one = enter(1, "One");
+  const NamedId& far = enter(257, "Far");
+  EXPECT_EQ(index_.find(1), &one);
+  const NamedId& same = enter(1, "One");
+  EXPECT_EQ(index_.find(1), &same);
+  EXPECT_EQ(index_.find(257), &far);
+  EXPECT_EQ(index_.find(513), nullptr);
 }
 
-TEST(CategoryIndex, ErasingLeavesNames) {
-  CategoryIndex index(CategoryIndex::Order::kByName);
-  const NamedId one(1, "One");
-  index.insert(one, 0);
-  index.eraseId(1);
-  EXPECT_THAT(index.tracksInOrder(), IsEmpty());
-  EXPECT_EQ(index.find(1), &one);
-  index.clear();
-  EXPECT_EQ(index.find(1), nullptr);
+TEST_F(NamedCategory, ErasingLeavesNames) {
+  const NamedId& one = enter(1, "One");
+  index_.eraseId(1);
+  EXPECT_THAT(index_.tracksInOrder(), IsEmpty());
+  EXPECT_EQ(index_.find(1), &one);
+  index_.clear();
+  EXPECT_EQ(index_.find(1), nullptr);
 }
 
-TEST(CategoryIndex, SameNameInAnotherCaseMovesNothing) {
-  CategoryIndex index(CategoryIndex::Order::kByName);
-  const NamedId beta(1, "beta");
-  const NamedId alpha(2, "alpha");
-  const NamedId capitals(1, "BETA");
-  index.insert(beta, 0);
-  index.insert(alpha, 1);
-  index.insert(capitals, 2);
-  EXPECT_THAT(index.tracksInOrder(), ElementsAre(1, 0, 2));
-  EXPECT_EQ(nameOf(index, 1), "BETA");
+TEST_F(NamedCategory, SameNameInAnotherCaseMovesNothing) {
+  enter(1, "beta");
+  enter(2, "alpha");
+  enter(1, "BETA");
+  EXPECT_THAT(index_.tracksInOrder(), ElementsAre(1, 0, 2));
+  EXPECT_EQ(nameOf(index_, 1), "BETA");
 }
 
-TEST(CategoryIndex, EmptyNamesComeFirst) {
-  CategoryIndex index(CategoryIndex::Order::kByName);
-  const NamedId named(1, "a");
-  const NamedId empty(2, "");
-  const NamedId noLonger(1, "");
-  index.insert(named, 0);
-  index.insert(empty, 1);
-  EXPECT_THAT(index.tracksInOrder(), ElementsAre(1, 0));
-  index.insert(noLonger, 2);
-  EXPECT_THAT(index.tracksInOrder(), ElementsAre(1, 0, 2)) << "what is in place stays there";
-  EXPECT_EQ(nameOf(index, 1), "");
+TEST_F(NamedCategory, EmptyNamesComeFirst) {
+  enter(1, "a");
+  enter(2, "");
+  EXPECT_THAT(index_.tracksInOrder(), ElementsAre(1, 0));
+  enter(1, "");
+  EXPECT_THAT(index_.tracksInOrder(), ElementsAre(1, 0, 2)) << "what is in place stays there";
+  EXPECT_EQ(nameOf(index_, 1), "");
 }
 
 TEST(CategoryIndex, ByNumberTakesNoNames) {
