@@ -163,6 +163,18 @@ class MenuNode {
                                : Child(branch_->children[index]);
   }
 
+  // Asks, in two steps, for what the children stand in.
+  void expectChildren(int step) const {
+    if (step == 0) {
+      prefetch(branch_);
+    } else {
+      prefetch(branch_->children);
+    }
+  }
+
+  // Whether there are children, and all of them are numbers.
+  bool hasTrackNumbers() const { return branch_->hasNumbers; }
+
   // The children when they are numbers, which may be put in another order; else nothing. Good until
   // one is appended or asked for as a node.
   std::span<std::uint32_t> trackNumbers() {

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cstddef>
 #include <numeric>
+#include <span>
 #include <utility>
 
+#include "tree/key_sort.h"
 #include "tree/name_bytes.h"
 #include "tree/parallel.h"
 #include "tree/prefetch.h"
@@ -89,9 +91,8 @@ void NameRanks::order(std::size_t begin, std::size_t end, LargeVector<std::uint8
         key.bytes = byLength ? key.size : nameBytesAt({key.name, key.size}, part.offset);
       }
     }
-    std::sort(keys_.begin() + static_cast<std::ptrdiff_t>(part.begin),
-              keys_.begin() + static_cast<std::ptrdiff_t>(part.end),
-              [](const Key& a, const Key& b) { return a.bytes < b.bytes; });
+    sortByKey(std::span(keys_).subspan(part.begin, part.end - part.begin),
+              [](const Key& key) { return key.bytes; });
     for (std::size_t i = part.begin; i < part.end;) {
       const std::size_t first = i;
       while (i < part.end && keys_[i].bytes == keys_[first].bytes) ++i;

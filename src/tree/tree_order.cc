@@ -1,10 +1,11 @@
 #include <algorithm>
-#include <array>
-#include <numeric>
+#include <cstddef>
+#include <cstdint>
 #include <span>
 #include <vector>
 
 #include "tree/huge_pages.h"
+#include "tree/key_sort.h"
 #include "tree/menu_tree.h"
 #include "tree/name_bytes.h"
 #include "tree/name_ranks.h"
@@ -27,110 +28,81 @@ bool hasSortedChildren(const MenuNode& menu) {
   return name == "Artists" || name == "Albums" || name == "Geners" || name == "Songs";
 }
 
-// Sorts children that are numbers of tracks by the ranks of the titles.
-class RankSorter {
+// Sorts children by name. Where they are numbers of tracks it compares the ranks of their titles
+// instead, which comes to the same order at a fraction of the cost.
+class ChildSorter {
  public:
-  explicit RankSorter(const NameRanks& ranks) : ranks_(&ranks) {}
+  explicit ChildSorter(const TrackTable* tracks) : tracks_(tracks) {}
 
-  void sort(MenuNode& menu) {
-    const std::span<std::uint32_t> tracks = menu.trackNumbers();
-    ranked_.resize(tracks.size());
-    std::transform(tracks.begin(), tracks.end(), ranked_.begin(), [this](std::uint32_t track) {
-      return Ranked{(*ranks_)[track], track};
+  // Has to see all menus, before any is sorted.
+  void add(MenuNode& menu) {
+    (menu.childCount() >= kLarge ? large_ : others_).push_back(&menu);
+    childCount_ += menu.childCount();
+    hasNumbers_ = hasNumbers_ || menu.hasTrackNumbers();
+  }
+
+  void sortAll() {
+    if (hasNumbers_) rankTitles();
+    // The largest first, so that no worker is left with one at the end; the others as they stand in
+    // memory.
+    std::sort(large_.begin(), large_.end(), [](const MenuNode* a, const MenuNode* b) {
+      return a->childCount() > b->childCount();
     });
-    // Without equal names there is but one order, and it doesn't matter how it is found.
-    if (ranked_.size() >= kWorthDistributing && allDiffer()) {
-      distribute();
-    } else {
-      std::sort(ranked_.begin(), ranked_.end(),
-                [](const Ranked& a, const Ranked& b) { return a.rank < b.rank; });
-    }
-    std::transform(ranked_.begin(), ranked_.end(), tracks.begin(),
-                   [](const Ranked& entry) { return entry.track; });
+    const std::size_t groups = (others_.size() + kGroup - 1) / kGroup;
+    std::vector<LargeVector<Ranked>> scratch(workersFor(childCount_));
+    forEachInParallel(
+        large_.size() + groups, scratch.size(), [&](std::size_t i, std::size_t worker) {
+          if (i < large_.size()) {
+            sort(*large_[i], scratch[worker]);
+          } else {
+            const auto left = std::span(others_).subspan((i - large_.size()) * kGroup);
+            sortGroup(left.first(std::min(kGroup, left.size())), scratch[worker]);
+          }
+        });
   }
 
  private:
+  static constexpr std::size_t kLarge = 4096;
+  static constexpr std::size_t kGroup = 256;
+
   struct Ranked {
     std::uint32_t rank;
     std::uint32_t track;
   };
 
-  bool allDiffer() {
-    isThere_.resize(ranks_->highest() + std::size_t{1});
-    std::size_t different = 0;
-    while (different < ranked_.size() && !isThere_[ranked_[different].rank]) {
-      isThere_[ranked_[different++].rank] = true;
-    }
-    for (std::size_t i = 0; i < different; ++i) isThere_[ranked_[i].rank] = false;
-    return different == ranked_.size();
-  }
-
-  // Radix sort, from the lowest digit up.
-  void distribute() {
-    constexpr unsigned kDigitBits = 11;
-    constexpr std::size_t kDigits = std::size_t{1} << kDigitBits;
-    scratch_.resize(ranked_.size());
-    for (unsigned shift = 0; shift < 32 && ranks_->highest() >> shift != 0; shift += kDigitBits) {
-      std::array<std::size_t, kDigits + 1> place{};
-      const auto digit = [&](const Ranked& r) { return (r.rank >> shift) & (kDigits - 1); };
-      for (const Ranked& r : ranked_) ++place[digit(r) + 1];
-      std::partial_sum(place.begin(), place.end(), place.begin());
-      for (const Ranked& r : ranked_) scratch_[place[digit(r)]++] = r;
-      ranked_.swap(scratch_);
-    }
-  }
-
-  static constexpr std::size_t kWorthDistributing = 4096;
-
-  const NameRanks* ranks_;
-  LargeVector<Ranked> ranked_;
-  LargeVector<Ranked> scratch_;
-  std::vector<bool> isThere_;  // by rank; false between uses
-};
-
-// Sorts children by name. Where all of them are numbers of tracks it compares the ranks of their
-// titles instead: std::sort then takes the same decisions and so comes to the same order, at a
-// fraction of the cost.
-class ChildSorter {
- public:
-  explicit ChildSorter(const TrackTable* tracks)
-      : tracks_(tracks), isWanted_(tracks == nullptr ? 0 : tracks->size()) {}
-
-  // Has to see all menus, before any is sorted.
-  void add(MenuNode& menu) {
-    for (const std::uint32_t track : menu.trackNumbers()) isWanted_[track] = true;
-    menus_.push_back(&menu);
-    childCount_ += menu.childCount();
-  }
-
-  void sortAll() {
-    rankTitles();
-    // The largest first, so that no worker is left with one at the end.
-    std::sort(menus_.begin(), menus_.end(), [](const MenuNode* a, const MenuNode* b) {
-      return a->childCount() > b->childCount();
-    });
-    std::vector<RankSorter> sorters(workersFor(childCount_), RankSorter(ranks_));
-    forEachInParallel(menus_.size(), sorters.size(), [&](std::size_t i, std::size_t worker) {
-      if (menus_[i]->trackNumbers().empty()) {
-        sortByName(*menus_[i]);
-      } else {
-        sorters[worker].sort(*menus_[i]);
-      }
-    });
-  }
-
- private:
-  // Track after track, since that is how they and their titles stand in memory.
   void rankTitles() {
-    const auto count = std::count(isWanted_.begin(), isWanted_.end(), true);
-    if (count == 0) return;
-    ranks_.reserve(static_cast<std::size_t>(count),
-                   static_cast<std::uint32_t>(isWanted_.size() - 1));
-    for (std::uint32_t track = 0; track < isWanted_.size(); ++track) {
-      if (!isWanted_[track]) continue;
+    const auto count = static_cast<std::uint32_t>(tracks_->size());
+    ranks_.reserve(count - 1, count - 1);  // there is no track 0
+    for (std::uint32_t track = 1; track < count; ++track) {
       ranks_.add(track, MenuNode::storedForm((*tracks_)[track]->getTitle()));
     }
     ranks_.rank();
+  }
+
+  void sortGroup(std::span<MenuNode* const> menus, LargeVector<Ranked>& scratch) const {
+    forEachPrefetched(
+        menus.size(), [&](std::size_t i) { sort(*menus[i], scratch); },
+        [&](std::size_t i) { prefetch(menus[i]); },
+        [&](std::size_t i) { menus[i]->expectChildren(0); },
+        [&](std::size_t i) { menus[i]->expectChildren(1); });
+  }
+
+  void sort(MenuNode& menu, LargeVector<Ranked>& scratch) const {
+    if (menu.hasTrackNumbers()) {
+      sortByRank(menu.trackNumbers(), scratch);
+    } else {
+      sortByName(menu);
+    }
+  }
+
+  void sortByRank(std::span<std::uint32_t> tracks, LargeVector<Ranked>& ranked) const {
+    ranked.resize(tracks.size());
+    std::transform(tracks.begin(), tracks.end(), ranked.begin(), [this](std::uint32_t track) {
+      return Ranked{ranks_[track], track};
+    });
+    sortByKey(std::span(ranked), [](const Ranked& entry) { return entry.rank; });
+    std::transform(ranked.begin(), ranked.end(), tracks.begin(),
+                   [](const Ranked& entry) { return entry.track; });
   }
 
   // With the first bytes of each name at hand, few names have to be looked at.
@@ -157,10 +129,11 @@ class ChildSorter {
   }
 
   const TrackTable* tracks_;
-  std::vector<bool> isWanted_;  // by track: the rank of its title is needed
-  NameRanks ranks_;             // of titles, by track
-  LargeVector<MenuNode*> menus_;
+  NameRanks ranks_;  // of titles, by track
+  LargeVector<MenuNode*> large_;
+  LargeVector<MenuNode*> others_;
   std::size_t childCount_ = 0;  // of all of them
+  bool hasNumbers_ = false;
 };
 
 }  // namespace
@@ -172,7 +145,7 @@ void MenuTree::sortTree(MenuNode* node) {
   while (!menus.empty()) {
     MenuNode& menu = *menus.back();
     menus.pop_back();
-    if (!menu.trackNumbers().empty()) continue;
+    if (menu.hasTrackNumbers()) continue;
     for (auto place = menu.childrenBegin(); place != menu.childrenEnd(); ++place) {
       MenuNode& child = **place;
       if (child.childCount() == 0) continue;

@@ -1,4 +1,4 @@
-// Menus large enough to be ordered by distributing ranks.
+// Menus of many songs, whose titles may be equal.
 #include <gtest/gtest.h>
 
 #include <algorithm>
