@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -19,12 +20,14 @@ namespace Orvane {
 // it has none, or kNoChildren for a media leaf, whose children are never laid out.
 //
 // A Table offers:
-//   std::uint32_t size() const;                    records so far
-//   Link append(Child child);                      a record for `child`, linked to kNoChildren
-//   void setFirstChild(Link, std::uint32_t index); links that record to its children
-//   bool isDeferred(const MenuNode& child) const;  see below
-//   void expect(Child child, int step);            asks for what append(child), soon to come, looks
-//                                                  at, in three steps
+//   std::uint32_t size() const;                       records so far
+//   Link append(MenuNode& child);                     a record for `child`, linked to kNoChildren
+//   void appendLeaf(std::uint32_t track);             one for a child that is a track's number
+//   void setFirstChild(Link, std::uint32_t index);    links that record to its children
+//   bool isDeferred(const MenuNode& child) const;     see below
+//   void expect(MenuNode& child, int step);           asks for what append(child), soon to come,
+//                                                     looks at, in three steps
+//   void expectLeaf(std::uint32_t track, int step);   the same for appendLeaf(track), in two
 //
 // The descendants of a deferred child come after those of all its siblings. Among several deferred
 // siblings only the last is descended into; the others are linked to 0.
@@ -33,6 +36,7 @@ namespace Orvane {
 template <typename Table>
 std::uint32_t layoutFamilies(const MenuNode& node, Table& table) {
   constexpr std::uint32_t kNone = 0xFFFFFFFF;
+  constexpr std::size_t kFewLeaves = 64;
 
   if (node.getNodeType() == NODE_TYPE_MEDIA) return kNoChildren;
 
@@ -49,25 +53,49 @@ std::uint32_t layoutFamilies(const MenuNode& node, Table& table) {
   std::vector<Family> unfinished;
   LargeVector<Menu> toVisit;
 
+  const auto appendLeaves = [&](std::span<const std::uint32_t> tracks) {
+    const auto append = [&](std::size_t i) { table.appendLeaf(tracks[i]); };
+    if (tracks.size() <= kFewLeaves) {  // they have been asked for
+      for (std::size_t i = 0; i < tracks.size(); ++i) append(i);
+    } else {
+      forEachPrefetched(
+          tracks.size(), append, [&](std::size_t i) { table.expectLeaf(tracks[i], 0); },
+          [&](std::size_t i) { table.expectLeaf(tracks[i], 1); });
+    }
+  };
+
   const auto appendFamily = [&](const MenuNode& parent) {
     const std::uint32_t base = table.size();
-    if (parent.childCount() == 0) return base;
+    if (parent.hasTrackNumbers()) {
+      appendLeaves(parent.trackNumbers());
+      return base;
+    }
     const std::size_t first = toVisit.size();
+    const auto child = [&](std::size_t i) -> MenuNode& { return *parent.childAt(i).node(); };
     const auto append = [&](std::size_t i) {
-      const Child child = parent.childAt(i);
-      const typename Table::Link link = table.append(child);
-      if (!child.isNode()) return;
-      const MenuNode& menu = *child.node();
+      MenuNode& menu = child(i);
+      const typename Table::Link link = table.append(menu);
       if (menu.getNodeType() != NODE_TYPE_MEDIA || table.isDeferred(menu)) {
         toVisit.push_back({&menu, link});
       }
     };
     forEachPrefetched(
-        parent.childCount(), append, [&](std::size_t i) { table.expect(parent.childAt(i), 0); },
-        [&](std::size_t i) { table.expect(parent.childAt(i), 1); },
-        [&](std::size_t i) { table.expect(parent.childAt(i), 2); });
+        parent.childCount(), append, [&](std::size_t i) { table.expect(child(i), 0); },
+        [&](std::size_t i) { table.expect(child(i), 1); },
+        [&](std::size_t i) { table.expect(child(i), 2); });
     unfinished.push_back({first, toVisit.size(), kNone});
     return base;
+  };
+
+  // A menu of few leaves is too short to ask for them while it is laid out: that is done while the
+  // menus before it are.
+  const auto expectFamilies = [&](std::span<const Menu> next) {
+    if (next.size() > 2) next[2].node->expectChildren(0);
+    if (next.size() > 1) next[1].node->expectChildren(1);
+    if (next.empty()) return;
+    const std::span<const std::uint32_t> tracks = next[0].node->trackNumbers();
+    if (tracks.size() > kFewLeaves) return;
+    for (const std::uint32_t track : tracks) table.expectLeaf(track, 0);
   };
 
   const std::uint32_t result = appendFamily(node);
@@ -89,6 +117,7 @@ std::uint32_t layoutFamilies(const MenuNode& node, Table& table) {
       continue;
     }
     const Menu menu = toVisit[visited];
+    expectFamilies(std::span<const Menu>(toVisit).subspan(visited + 1, family.end - visited - 1));
     const bool leaf = menu.node->getNodeType() == NODE_TYPE_MEDIA;
     table.setFirstChild(menu.link, leaf ? kNoChildren : appendFamily(*menu.node));
   }

@@ -16,15 +16,18 @@ class OneTable {
   using Link = NodeTable::Link;
 
   std::uint32_t size() const { return table_.size(); }
-  Link append(Child child) {
-    const bool isLeaf = !child.isNode() || child.node()->getNodeType() == NODE_TYPE_MEDIA;
-    return isLeaf ? table_.appendLeaf(child) : table_.append({child});
+  Link append(MenuNode& child) {
+    const Child place(&child);
+    return child.getNodeType() == NODE_TYPE_MEDIA ? table_.appendLeaf(place)
+                                                  : table_.append({place});
   }
+  void appendLeaf(std::uint32_t track) { table_.appendLeaf(Child::ofTrack(track)); }
   void setFirstChild(Link link, std::uint32_t index) { table_.setFirstChild(link, index); }
   static bool isDeferred(const MenuNode& /*child*/) { return false; }
-  static void expect(Child child, int step) {
-    if (step == 0 && child.isNode()) prefetch(child.node());
+  static void expect(const MenuNode& child, int step) {
+    if (step == 0) prefetch(&child);
   }
+  static void expectLeaf(std::uint32_t /*track*/, int /*step*/) {}
 
  private:
   NodeTable& table_;

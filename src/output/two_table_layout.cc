@@ -22,14 +22,21 @@ class TwoTables {
 
   std::uint32_t size() const { return treeTable_.size(); }
 
-  Link append(Child child) {
-    if (!child.isNode()) return treeTable_.appendLeaf(dataIndexOf(child));
-    const MenuNode& node = *child.node();
-    TreeRecord record{.dataIndex = findOrAdd(child, DataRecordIndex::hashOf(node))};
+  Link append(MenuNode& node) {
+    TreeRecord record{.dataIndex = findOrAdd(Child(&node), DataRecordIndex::hashOf(node))};
     const bool isLeaf = node.getNodeType() == NODE_TYPE_MEDIA && node.childCount() == 0;
     if (isLeaf && !isDeferred(node)) return treeTable_.appendLeaf(record.dataIndex);
     fillTreeRecord(node, record);
     return treeTable_.append(record);
+  }
+
+  void appendLeaf(std::uint32_t track) {
+    DataRecordIndex::OfTrack& known = idMap_.byTrack[track];
+    if (known.index == 0) {
+      const Child leaf = Child::ofTrack(track);
+      known.index = known.hash == 0 ? add(leaf) : findOrAdd(leaf, known.hash);
+    }
+    treeTable_.appendLeaf(known.index);
   }
 
   void setFirstChild(Link link, std::uint32_t index) { treeTable_.setFirstChild(link, index); }
@@ -38,30 +45,24 @@ class TwoTables {
     return child.getRecType() == RecType::kPlainMenu && child.getName() == "Playlists";
   }
 
-  void expect(Child child, int step) {
-    if (child.isNode()) {
-      if (step < 2) {
-        view_.expect(child, step);
-      } else {
-        idMap_.byNameAndId.expect(DataRecordIndex::hashOf(*child.node()));
-      }
+  void expect(MenuNode& node, int step) {
+    if (step < 2) {
+      view_.expect(Child(&node), step);
     } else {
-      const DataRecordIndex::OfTrack& known = idMap_.byTrack[child.trackNumber()];
-      if (step == 0) {
-        prefetch(&known);
-      } else if (step == 1 && known.hash != 0 && known.index == 0) {
-        idMap_.byNameAndId.expect(known.hash);
-      }
+      idMap_.byNameAndId.expect(DataRecordIndex::hashOf(node));
+    }
+  }
+
+  void expectLeaf(std::uint32_t track, int step) const {
+    const DataRecordIndex::OfTrack& known = idMap_.byTrack[track];
+    if (step == 0) {
+      prefetch(&known);
+    } else if (known.hash != 0 && known.index == 0) {
+      idMap_.byNameAndId.expect(known.hash);
     }
   }
 
  private:
-  std::uint32_t dataIndexOf(Child leaf) {
-    DataRecordIndex::OfTrack& known = idMap_.byTrack[leaf.trackNumber()];
-    if (known.index == 0) known.index = known.hash == 0 ? add(leaf) : findOrAdd(leaf, known.hash);
-    return known.index;
-  }
-
   std::uint32_t add(Child child) {
     dataTable_.push_back(child);
     return static_cast<std::uint32_t>(dataTable_.size() - 1);

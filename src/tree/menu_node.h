@@ -181,6 +181,10 @@ class MenuNode {
     if (!branch_->hasNumbers) return {};
     return {branch_->numbers, branch_->count};
   }
+  std::span<const std::uint32_t> trackNumbers() const {
+    if (!branch_->hasNumbers) return {};
+    return {branch_->numbers, branch_->count};
+  }
 
   // Positions are those of nodes: children that are numbers become nodes first, for which memory
   // may run out, and which two threads must not do at once. So it is in all that follows.
