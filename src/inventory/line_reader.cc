@@ -96,7 +96,10 @@ std::size_t LineReader::expectedLines() const {
   struct stat status {};
   const std::size_t used = bytesRead_ - (end_ - begin_);
   if (used == 0 || ::fstat(descriptor_, &status) != 0) return 0;
-  const std::size_t size = static_cast<std::size_t>(status.st_size);
+  // A hole, which may be of any size, has no lines to speak of.
+  constexpr std::size_t kBlock = 512;
+  const std::size_t size = std::min(static_cast<std::size_t>(status.st_size),
+                                    static_cast<std::size_t>(status.st_blocks) * kBlock);
   const std::size_t left = size > used ? size - used : 0;
   return left / std::max<std::size_t>(used / lineNumber_, 16);
 }

@@ -33,7 +33,7 @@ class LineReader {
   bool atEnd() const { return atEnd_; }
 
   // About how many more lines there are, going by those read so far; 0 if the file doesn't tell its
-  // size. A guess, and never more than one for every 16 bytes.
+  // size. A guess, and never more than one for every 16 bytes that the file has on the disk.
   std::size_t expectedLines() const;
 
   // The number of the last line, counted from 1.

@@ -29,10 +29,11 @@ bool TrackIndex::add(Track& track) {
   return true;
 }
 
-// Without it, half of the memory that the growing table touches would be given up again.
+// Growing in steps would touch memory that is given up again, and move each id twice.
 void TrackIndex::expect(std::size_t count) {
   try {
     tracksByNumber_.reserve(tracksByNumber_.size() + count);
+    tracksById_.reserve(count);
   } catch (const std::bad_alloc&) {
     // What really comes may well fit.
   }

@@ -43,8 +43,7 @@ class TrackManager {
 
   virtual Playlist* addPlaylist(std::string_view name, std::uint32_t playlistId);
 
-  // Says that about so many tracks will be added. A guess: a wrong one costs time or address space
-  // only.
+  // Says that about so many tracks will be added, for which room is made if there is memory.
   void expectTracks(std::size_t count) { index_->expect(count); }
 
   // Says that tracks with these ids will be added next.

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstddef>
 #include <filesystem>
@@ -170,6 +171,15 @@ TEST(LineReader, GuessesTheLinesThatAreLeft) {
   LineReader shortLines((dir / "file").c_str());
   shortLines.next();
   EXPECT_EQ(shortLines.expectedLines(), 100'001U / 16) << "a track's line is longer";
+}
+
+TEST(LineReader, ExpectsNoLinesInAHole) {
+  const TempDir dir;
+  writeFile(dir / "file", std::string(10'000, '\n'));
+  ASSERT_EQ(::truncate((dir / "file").c_str(), off_t{1} << 36), 0);
+  LineReader reader((dir / "file").c_str());
+  reader.next();
+  EXPECT_LT(reader.expectedLines(), 10'000U);
 }
 
 // A pipe gives few bytes at a time.
