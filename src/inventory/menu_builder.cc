@@ -108,6 +108,7 @@ void addArtistsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& categ
     const MenuNode* artist;
     MenuNode* menu;
   };
+  constexpr std::size_t kFewAlbums = 1024;
   std::vector<Album> albums;
   PositionIndex albumIndex;
 
@@ -129,6 +130,11 @@ void addArtistsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& categ
           artist =
               &appendMenu(category, track.getArtistName(), RecType::kArtist, track.getArtistId());
           ++run;
+          // The albums of earlier runs are of no use any more. Few don't matter.
+          if (albums.size() > kFewAlbums) {
+            albums.clear();
+            albumIndex.clear();
+          }
         }
         const NamedId* const address = &track.getAlbum();
         Recent& recent =

@@ -41,6 +41,12 @@ class PositionIndex {
     if (size > slots_.size()) resize(size);
   }
 
+  // Forgets all elements.
+  void clear() {
+    release(slots_);
+    used_ = 0;
+  }
+
   // Asks for the place of an element with that hash, which will soon be looked for.
   void expect(std::uint32_t hash) const {
     if (!slots_.empty()) prefetch(&slots_[hash & (slots_.size() - 1)]);

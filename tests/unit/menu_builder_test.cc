@@ -94,6 +94,25 @@ TEST_F(MenuBuilder, ShowsOneTrackInEachPlaceAsALeafOfItsOwn) {
                           "3: 2 9 'Song' 0 0 0", "2: 0 0 'One Star' 11 0 0"));
 }
 
+// What is known of one artist's albums isn't kept for the next, who may have the same.
+TEST_F(MenuBuilder, ArtistsAfterOneOfManyAlbumsHaveTheirOwn) {
+  constexpr std::uint32_t kAlbums = 3'000;
+  for (std::uint32_t i = 1; i <= kAlbums; ++i) add(i, "t", 1, "a", i, "album");
+  add(3'070, "t", 2, "b", 7, "album");
+  add(3'090, "t", 2, "b", 9, "album");
+  add(3'071, "t", 2, "b", 7, "album");
+  add(1'000'000, "u", 2, "b", 9, "album");
+  add(1'000'001, "t", 3, "c", 9, "album");
+
+  const std::vector<std::string> lines = outline("Artists");
+  ASSERT_EQ(lines.size(), 1 + 2 * kAlbums + 10);
+  EXPECT_EQ(lines[1], "  1 album");
+  EXPECT_EQ(lines[2 * kAlbums], "    3000 t");
+  EXPECT_THAT(std::vector(lines.end() - 10, lines.end()),
+              ElementsAre("2 b", "  7 album", "    3070 t", "    3071 t", "  9 album", "    3090 t",
+                          "    1000000 u", "3 c", "  9 album", "    1000001 t"));
+}
+
 TEST_F(MenuBuilder, LeavesKnowTheirTrackAndMenusNone) {
   const Track* const track = add(9, "Song", 0, "", 0, "");
   MenuTree tree;

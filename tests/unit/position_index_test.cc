@@ -61,6 +61,15 @@ TEST(PositionIndex, AsksOnlyWhereTheHashIsTheSame) {
   }
 }
 
+TEST(PositionIndex, ForgetsAllWhenCleared) {
+  PositionIndex index;
+  const auto asAny = [](std::uint32_t) { return true; };
+  EXPECT_EQ(index.findOrInsert(7, 1, asAny), 1U);
+  EXPECT_EQ(index.findOrInsert(7, 2, asAny), 1U);
+  index.clear();
+  EXPECT_EQ(index.findOrInsert(7, 3, asAny), 3U);
+}
+
 TEST(PositionIndex, HashDependsOnNameAndId) {
   EXPECT_NE(hashNameAndId("a", 1), hashNameAndId("a", 2));
   EXPECT_NE(hashNameAndId("a", 1), hashNameAndId("b", 1));
