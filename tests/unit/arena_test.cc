@@ -70,7 +70,7 @@ TEST(Arena, GivesBackOnlyWhatHasMemoryOfItsOwn) {
 TEST(Arena, StartsAnewWhenCleared) {
   Arena arena;
   constexpr std::size_t kPiece = 4000;
-  constexpr std::uint32_t kPieces = 20'000;
+  constexpr std::uint32_t kPieces = 25'000;
   for (int round = 0; round < 2; ++round) {
     std::vector<std::uint8_t*> pieces;
     for (std::uint32_t i = 0; i < kPieces; ++i) {
