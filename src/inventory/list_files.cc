@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <iostream>
+#include <limits>
 #include <span>
 #include <string>
 #include <string_view>
@@ -54,14 +55,15 @@ void readTracks(TrackManager& manager, const char* path, LaterTracks& laterTrack
 
   LineReader reader(path);
   if (reportUnopened(reader, path)) return;
-  const bool isAlone = usableProcessors() < 2;
+  // Where there is no second processor, or not yet enough to do for two threads.
+  const std::size_t linesAlone =
+      usableProcessors() < 2 ? std::numeric_limits<std::size_t>::max() : kFirstLines;
   TrackBatch first;
-  while (!reader.atEnd() && (isAlone || reader.lineNumber() < kFirstLines)) {
+  while (!reader.atEnd() && reader.lineNumber() < linesAlone) {
     first.read(reader, path, kFirstBatchLines, false);
     addTracks(manager, first, laterTracks);
   }
   if (reader.atEnd()) return;
-  // Only now is there enough to do for two threads.
   manager.expectTracks(reader.expectedLines());
   forEachMadeAhead<TrackBatch>(
       [&](TrackBatch& batch) {

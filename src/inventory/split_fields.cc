@@ -19,13 +19,12 @@ void splitFields(std::string_view line, std::vector<std::string_view>& fields,
   if (separators.size() == 1) {
     forEachOccurrence(line, separators.front(), endField);
   } else {
-    for (std::size_t end = 0; left > 0;) {
+    std::size_t end = line.find_first_of(separators);
+    while (end != std::string_view::npos && endField(end)) {
       end = line.find_first_of(separators, begin);
-      if (end == std::string_view::npos) break;
-      endField(end);
     }
   }
-  if (begin < line.size()) endField(line.size());
+  endField(line.size());
 }
 
 }  // namespace Orvane

@@ -130,7 +130,8 @@ void addWithTexts(const xmlNode& domNode, MenuNode& parent, XmlSharedTexts& text
     MenuNode* const node = addOne(from, under, texts);
     // Beneath a reference to an entity stand its declaration and, as the declaration's siblings,
     // the rest of the DTD. The library hands them over as the reference's children, so they count.
-    if (node != nullptr && !isContent(from)) open.push_back({from.children, node});
+    // Only content may have no node.
+    if (!isContent(from)) open.push_back({from.children, node});
   };
 
   add(domNode, parent);

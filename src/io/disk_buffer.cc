@@ -91,15 +91,10 @@ bool DiskBuffer::read(char* data, int length) {
 }
 
 long DiskBuffer::seek(long offset, int whence) {
-  std::fstream::pos_type reached = -1;
-  if (mode == kStreamRead) {
-    stream_.seekg(offset, direction(whence));
-    reached = stream_.tellg();
-  } else if (mode == kStreamWrite) {
-    stream_.seekp(offset, direction(whence));
-    reached = stream_.tellp();
-  }
-  return stream_.good() ? static_cast<long>(reached) : -1;
+  // There is one position for both directions, and none, which is -1, when the stream isn't open or
+  // has failed.
+  stream_.seekg(offset, direction(whence));
+  return static_cast<long>(stream_.tellg());
 }
 
 bool DiskBuffer::openDescriptor(int flags) {
@@ -135,7 +130,7 @@ bool DiskBuffer::nextBlock(char** data, unsigned* length) {
   const std::uint64_t toBoundary = kBlockSize - blockCounter % kBlockSize;
   const std::uint64_t piece = std::min(toBoundary, fileSize_ - position_);
   const ssize_t got = ::read(fd_, block_.data(), piece);
-  if (got < 0 || static_cast<std::uint64_t>(got) != piece) {
+  if (got != static_cast<ssize_t>(piece)) {
     Buffer::close();
     return false;
   }

@@ -52,9 +52,9 @@ std::optional<MappedFile> MappedFile::open(const std::string& name, std::string&
   // Where this fails, so does reading, in the same way.
   static_cast<void>(::fstat(fd, &status));
   const auto size = static_cast<std::size_t>(status.st_size);
-  // Standard input may stand anywhere in a file; only from its start a mapping is the same.
-  const bool atStart = !standardInput || ::lseek(fd, 0, SEEK_CUR) == 0;
-  const bool mapped = S_ISREG(status.st_mode) && size != 0 && atStart && file.map(fd, size);
+  // Standard input may stand anywhere in a file; only from its start a mapping is the same. What is
+  // no file, or an empty one, has no position or can't be mapped.
+  const bool mapped = ::lseek(fd, 0, SEEK_CUR) == 0 && file.map(fd, size);
   const int failure = mapped || file.readAll(fd) ? 0 : errno;
   if (!standardInput) ::close(fd);
   if (failure != 0) {
@@ -77,7 +77,6 @@ bool MappedFile::readAll(int fd) {
   constexpr std::size_t kDescribed = kFileHeaderSize + 2 * kTableDescriptorSize;
   std::uint64_t limit = kDescribed;
   std::size_t filled = 0;
-  bool described = false;
   while (filled < limit) {
     const auto wanted =
         static_cast<std::size_t>(std::min<std::uint64_t>(kReadSize, limit - filled));
@@ -87,10 +86,7 @@ bool MappedFile::readAll(int fd) {
     if (got < 0) return false;
     if (got == 0) break;
     filled += static_cast<std::size_t>(got);
-    if (!described && filled == kDescribed) {
-      described = true;
-      limit = usefulSize({buffer_.data(), filled});
-    }
+    if (filled == kDescribed) limit = usefulSize({buffer_.data(), filled});
   }
   buffer_.resize(filled);
   bytes_ = buffer_;

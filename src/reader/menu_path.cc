@@ -16,10 +16,8 @@ std::string MenuPath::of(std::uint32_t record) const {
     record = parents_[record];
   }
   std::string path;
-  if (count == names.size() && record != 0) {
-    path = "/...";
-  } else if (record != 0) {
-    path = "?";
+  if (record != 0) {
+    path = count == names.size() ? "/..." : "?";
   } else if (count == 0) {
     return "/";
   }

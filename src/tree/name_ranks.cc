@@ -38,17 +38,12 @@ std::vector<std::size_t> NameRanks::partByFirstByte() {
   std::vector<std::size_t> begins(kBytes + 1);
   for (const Key& key : keys_) ++begins[firstByte(key) + 1];
   std::partial_sum(begins.begin(), begins.end(), begins.begin());
-  // Each key that isn't in the part of its byte yet goes there, for the one that is in its place.
+  // Each key goes to the part of its byte, for the one that is in its place, which may be itself.
   std::vector<std::size_t> free(begins.begin(), begins.end() - 1);
   for (std::size_t byte = 0; byte < kBytes; ++byte) {
     while (free[byte] < begins[byte + 1]) {
       Key& key = keys_[free[byte]];
-      const std::size_t wanted = firstByte(key);
-      if (wanted == byte) {
-        ++free[byte];
-      } else {
-        std::swap(key, keys_[free[wanted]++]);
-      }
+      std::swap(key, keys_[free[firstByte(key)]++]);
     }
   }
   return begins;
@@ -79,10 +74,10 @@ void NameRanks::order(std::size_t begin, std::size_t end, LargeVector<std::uint8
   while (!parts.empty()) {
     const Part part = parts.back();
     parts.pop_back();
-    bool byLength = part.offset > 0;
-    for (std::size_t i = part.begin; i < part.end && byLength; ++i) {
-      byLength = keys_[i].size <= part.offset;
-    }
+    const auto partBegin = keys_.begin() + static_cast<std::ptrdiff_t>(part.begin);
+    const auto partEnd = keys_.begin() + static_cast<std::ptrdiff_t>(part.end);
+    const bool byLength =
+        std::all_of(partBegin, partEnd, [&](const Key& key) { return key.size <= part.offset; });
     if (part.offset > 0) {
       for (std::size_t i = part.begin; i < part.end; ++i) {
         constexpr std::size_t kDistance = 16;

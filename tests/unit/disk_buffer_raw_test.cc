@@ -37,6 +37,17 @@ TEST_F(DiskBufferRaw, RawReadDeliversBlocksAndThenNothing) {
   EXPECT_EQ(buffer.counter(), 5000U);
 }
 
+TEST_F(DiskBufferRaw, SecondOpenIsRefusedAndTheFirstGoesOn) {
+  test::writeFile(path_, std::string(4096, 'a') + "rest");
+  OpenDiskBuffer buffer(path_);
+  EXPECT_TRUE(buffer.openRawRead());
+  std::string piece;
+  EXPECT_EQ(nextBlock(buffer, piece), 4096U);
+  EXPECT_FALSE(buffer.openRawRead());
+  EXPECT_EQ(nextBlock(buffer, piece), 4U);
+  EXPECT_EQ(piece, "rest");
+}
+
 TEST_F(DiskBufferRaw, RawReadStaysAlignedToAllThatWasEverDelivered) {
   test::writeFile(path_, std::string(5000, 'x'));
   OpenDiskBuffer buffer(path_);

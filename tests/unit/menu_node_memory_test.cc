@@ -100,6 +100,23 @@ TEST(MenuNodeMemory, NameIsFreedWithTheNextOne) {
   EXPECT_EQ(test::liveAllocations(), before - 1);
 }
 
+// As most menus have no more.
+TEST(MenuNodeMemory, OneChildHasThePlaceOfOne) {
+  MenuNode root;
+  addMedia(root, 1, "only");
+  auto second = std::make_unique<MenuNode>();
+  const test::LimitedAllocations none(0);
+  EXPECT_THROW(root.addChild(std::move(second)), std::bad_alloc);
+}
+
+TEST(MenuNodeMemory, AChildThatCannotBeFilledIsFreed) {
+  MenuNode root;
+  const std::ptrdiff_t before = test::liveAllocations();
+  EXPECT_THROW(root.appendChild([](MenuNode&) { throw std::bad_alloc(); }), std::bad_alloc);
+  EXPECT_EQ(test::liveAllocations(), before);
+  EXPECT_EQ(root.childCount(), 0U);
+}
+
 TEST(MenuNodeMemory, RunningOutInAddChildLosesNothing) {
   const std::ptrdiff_t before = test::liveAllocations();
   int failures = 0;

@@ -70,6 +70,40 @@ TEST(MappedFile, SaysWhyItCannotBeRead) {
   EXPECT_EQ(error, "Is a directory");
 }
 
+// The lowest descriptor that is free.
+int nextDescriptor() {
+  const int next = ::dup(STDIN_FILENO);
+  ::close(next);
+  return next;
+}
+
+TEST(MappedFile, ReadsStandardInputFromWhereItStandsAndLeavesItOpen) {
+  const Folder folder;
+  std::ofstream(folder.file()) << "some bytes";
+  const int saved = ::dup(STDIN_FILENO);
+  const int fd = ::open(folder.file().c_str(), O_RDONLY);
+  EXPECT_EQ(::dup2(fd, STDIN_FILENO), STDIN_FILENO);
+  ::close(fd);
+  std::string error;
+  for (const std::string expected : {"some bytes", "bytes"}) {
+    const auto offset = static_cast<off_t>(10 - expected.size());
+    EXPECT_EQ(::lseek(STDIN_FILENO, offset, SEEK_SET), offset);
+    const auto file = MappedFile::open("-", error);
+    ASSERT_TRUE(file.has_value()) << error;
+    EXPECT_EQ(textOf(*file), expected);
+  }
+  EXPECT_EQ(::dup2(saved, STDIN_FILENO), STDIN_FILENO);
+  ::close(saved);
+}
+
+TEST(MappedFile, ClosesAFile) {
+  const int next = nextDescriptor();
+  std::string error;
+  EXPECT_TRUE(MappedFile::open("/dev/null", error).has_value()) << error;
+  EXPECT_FALSE(MappedFile::open("/", error).has_value());
+  EXPECT_EQ(nextDescriptor(), next);
+}
+
 // Returns how many of the bytes the file took.
 std::size_t writeAll(int fd, std::span<const char> bytes) {
   std::size_t taken = 0;
@@ -109,18 +143,20 @@ TEST(MappedFile, ReadsAPipeToItsEnd) {
   EXPECT_EQ(throughPipe("short", taken), "short");
 }
 
-// The first piece has no descriptor yet that would say how much follows.
+// The first piece has no whole header, the second no descriptor that would say how much follows.
 TEST(MappedFile, ReadsAPipeThatBeginsWithLittle) {
   const InventoryImage image(Layout::kOneTable, menu("R", std::vector<Sketch>(5000, menu("A"))));
   const Folder folder;
   ASSERT_EQ(::mkfifo(folder.file().c_str(), 0600), 0);
   std::thread writer([&] {
     const int fd = ::open(folder.file().c_str(), O_WRONLY);
-    constexpr std::size_t kLittle = 20;
-    EXPECT_EQ(::write(fd, image.bytes().data(), kLittle), static_cast<ssize_t>(kLittle));
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    writeAll(fd, std::span(reinterpret_cast<const char*>(image.bytes().data()), image.size())
-                     .subspan(kLittle));
+    std::span left(reinterpret_cast<const char*>(image.bytes().data()), image.size());
+    for (const std::size_t little : {5U, 15U}) {
+      EXPECT_EQ(::write(fd, left.data(), little), static_cast<ssize_t>(little));
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+      left = left.subspan(little);
+    }
+    writeAll(fd, left);
     ::close(fd);
   });
   std::string error;

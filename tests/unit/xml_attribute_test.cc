@@ -6,6 +6,9 @@
 #include <memory>
 #include <string>
 
+#include "allocation_probe.h"
+#include "tree/menu_node.h"
+
 namespace Orvane::test {
 namespace {
 
@@ -56,6 +59,19 @@ TEST_F(XmlAttributePieces, NoneIsEmpty) {
 TEST_F(XmlAttributePieces, TextWithoutContentIsEmpty) {
   append(*attribute(), xmlNewDocText(document_.get(), nullptr));
   EXPECT_EQ(value(), "");
+}
+
+TEST_F(XmlAttributePieces, TextAloneIsNotCopied) {
+  append(*attribute(), text("longer than what a string has room for in itself"));
+  XmlSharedTexts shared;
+  const LimitedAllocations none(0);
+  const XmlAttribute attribute(*element_, "name", XmlTextUse::kName, shared);
+  EXPECT_STREQ(attribute.text(), "longer than what a string has room for in itself");
+}
+
+TEST_F(XmlAttributePieces, WhatIsLongerThanANameIsNotTakenWhole) {
+  append(*attribute(), cdata(std::string(1000, 'x')));
+  EXPECT_EQ(value(), std::string(MenuNode::kMaxNameLength + 1, 'x'));
 }
 
 TEST_F(XmlAttributePieces, CdataIsText) {

@@ -1,0 +1,114 @@
+// What costs no memory as long as nothing happens that needs it. The results would be the same.
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "allocation_probe.h"
+#include "inventory/category_entries.h"
+#include "inventory/category_index.h"
+#include "inventory/line_reader.h"
+#include "inventory/track_batch.h"
+#include "inventory/track_index.h"
+#include "test_support.h"
+
+namespace Orvane::test {
+namespace {
+
+TEST(InventoryMemory, EntriesOfTracksThatCountUpTakeTheirPlacesOnly) {
+  CategoryEntries entries;
+  entries.add(1, 7);
+  const LimitedAllocations none(0);
+  for (std::uint32_t track = 8; track < 100; ++track) entries.add(2, track);
+  EXPECT_EQ(entries.size(), 93U);
+}
+
+TEST(InventoryMemory, ANameThatStaysIsNotFoldedAgain) {
+  const std::string name(40, 'x');
+  const std::string copy = name;
+  const NamedId first(5, name);
+  const NamedId second(5, copy);
+  CategoryIndex index(CategoryIndex::Order::kByName);
+  index.insert(first, 1);
+  const LimitedAllocations none(0);
+  index.insert(second, 2);
+  EXPECT_EQ(index.find(5), &second);
+}
+
+TEST(InventoryMemory, ANameThatKeepsItsPlaceMovesNoEntry) {
+  const NamedId lower(5, "name");
+  const NamedId upper(5, "NAME");
+  CategoryIndex index(CategoryIndex::Order::kByName);
+  index.insert(lower, 1);
+  const LimitedAllocations none(0);
+  index.insert(upper, 2);
+  EXPECT_EQ(index.find(5), &upper);
+}
+
+TEST(InventoryMemory, TheListOfTracksIsNoOtherOneUntilOneIsWithdrawn) {
+  Track first;
+  first.setMediaId(1);
+  Track second;
+  second.setMediaId(2);
+  TrackIndex index;
+  index.expect(2);
+  index.add(first);
+  const LimitedAllocations none(0);
+  EXPECT_TRUE(index.add(second));
+}
+
+TEST(InventoryMemory, AFileOfShortLinesIsReadInOneBlock) {
+  const TempDir dir;
+  std::string text;
+  while (text.size() < 1'000'000) text += "a line\n";
+  writeFile(dir / "file", text);
+  const std::string path = dir / "file";
+  LineReader reader(path.c_str());
+  std::size_t lines = 0;
+  const LimitedAllocations block(1);
+  for (; !reader.atEnd(); ++lines) reader.next();
+  EXPECT_EQ(lines, text.size() / 7 + 1);
+}
+
+class TrackBatches : public ::testing::Test {
+ protected:
+  // More than the reader has in memory together.
+  static std::string writtenTo(const std::string& path) {
+    std::string text = "9|First|8|One|7|Two|6|Three|1\n";
+    while (text.size() < 500'000) text += "1|Title|2|Artist|3|Album|4|Genre|5\n";
+    writeFile(path, text);
+    return path;
+  }
+
+  void read(TrackBatch& batch, std::size_t lines, bool withCopy) {
+    batch.read(reader_, path_.c_str(), lines, withCopy);
+  }
+
+  const TempDir dir_;
+  const std::string path_ = writtenTo(dir_ / "tracks");
+  LineReader reader_{path_.c_str()};
+};
+
+TEST_F(TrackBatches, WithoutACopyTakeNoMemoryForTexts) {
+  TrackBatch batch;
+  read(batch, 2, false);
+  const LimitedAllocations none(0);
+  read(batch, 2, false);
+  ASSERT_EQ(batch.texts().size(), 2U);
+  EXPECT_EQ(batch.texts()[1].title, "Title");
+}
+
+TEST_F(TrackBatches, WithACopyKeepTheirTextsWhileTheReaderGoesOn) {
+  TrackBatch kept;
+  read(kept, 1, true);
+  for (TrackBatch later; !reader_.atEnd();) read(later, 1000, false);
+  ASSERT_EQ(kept.texts().size(), 1U);
+  EXPECT_EQ(kept.texts()[0].title, "First");
+  EXPECT_EQ(kept.texts()[0].artistName, "One");
+  EXPECT_EQ(kept.texts()[0].albumName, "Two");
+  EXPECT_EQ(kept.texts()[0].genreName, "Three");
+}
+
+}  // namespace
+}  // namespace Orvane::test
