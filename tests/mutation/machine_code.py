@@ -25,7 +25,7 @@ NOP = b"\x90"
 ALWAYS, NEVER = "always", "never"
 
 FUNCTION = re.compile(r"^([0-9a-f]+) <(.+)>:$")
-INSTRUCTION = re.compile(r"^ *([0-9a-f]+):\t((?:[0-9a-f]{2} )+) *\t(\w+) *([^#]*)")
+INSTRUCTION = re.compile(r"^ *([0-9a-f]+):\t((?:[0-9a-f]{2} )+) *\t(\w+) *([^#]*)(.*)")
 # The standard library's templates may stand in our object files, but they aren't ours to test.
 # Neither are its mutexes, nor what runs the constructors of global objects.
 FOREIGN = re.compile(r"^_ZN?K?(S[tabsiod]|9__gnu_cxx)|^_ZL\d+__gthread_|__static_initialization|"
@@ -102,6 +102,7 @@ class Conditional:
     code: bytes
     mnemonic: str
     written: bool  # not made up by the compiler
+    again: dict[int, str]  # where the same condition may be tested in a loop; how it goes on there
     file: str
     line: int
 
@@ -130,22 +131,26 @@ def conditionals(program: Path, base: Path) -> list[Conditional]:
             instructions = functions[match[2], int(match[1], 16)] = []
         elif match := INSTRUCTION.match(line):
             instructions.append(Instruction(int(match[1], 16), bytes.fromhex(match[2]), match[3],
-                                            match[4].strip()))
+                                            match[4].strip(), match[5]))
     found = []
     for (symbol, start), instructions in functions.items():
         conditional = [i for i in instructions if CONDITIONAL.match(i.mnemonic)]
         if conditional and not FOREIGN.search(symbol):
-            written = Function(instructions).written()
-            found += [(symbol, i.address - start, i, i.address in written) for i in conditional]
-    places = source_places(program, base, [i.address for _, _, i, _ in found])
+            function = Function(instructions)
+            written, loops = function.written(), function.loops()
+            found += [(symbol, i.address - start, i, i.address in written,
+                       loops.get(i.address, {})) for i in conditional]
+    places = source_places(program, base, [found_one[2].address for found_one in found])
     loaded = file_offsets(program)
 
     def position(address: int) -> int:
         return next(offset + address - begin for begin, size, offset in loaded
                     if begin <= address < begin + size)
 
-    return [Conditional(symbol, offset, position(i.address), i.code, i.mnemonic, written, *place)
-            for (symbol, offset, i, written), place in zip(found, places)
+    return [Conditional(symbol, offset, position(i.address), i.code, i.mnemonic, written,
+                        {position(a): ALWAYS if jumps else NEVER for a, jumps in again.items()},
+                        *place)
+            for (symbol, offset, i, written, again), place in zip(found, places)
             if place[0].startswith("src/")]
 
 
@@ -181,6 +186,20 @@ def plain_name(name: str) -> str:
     return name.split(" ")[-1].removesuffix("::call")
 
 
+def tested_again(conditionals: list[Conditional]) -> dict[int, int]:
+    """Which of a function's conditionals is, within a loop, the same as which one before it. Of
+    several conditions in a line it isn't known which are the same."""
+    lines: dict[tuple[str, int], list[int]] = defaultdict(list)
+    for i, conditional in enumerate(conditionals):
+        lines[conditional.file, conditional.line].append(i)
+    found = {}
+    for pair in lines.values():
+        for first, second in (pair, pair[::-1]) if len(pair) == 2 else ():
+            if conditionals[second].position in conditionals[first].again:
+                found[first] = second
+    return found
+
+
 def code_mutants(programs: list[Path], base: Path) -> list[CodeMutant]:
     """Those of code from `base`/src in any of the programs, which were compiled in `base`."""
     functions: dict[tuple[Path, str], list[Conditional]] = defaultdict(list)
@@ -204,15 +223,21 @@ def code_mutants(programs: list[Path], base: Path) -> list[CodeMutant]:
         code = repr([(c.offset, c.mnemonic) for c in first])
         digest = hashlib.sha256(code.encode()).hexdigest()[:8]
         instances = f"{symbols[0]} and {len(symbols) - 1} more" if symbols[1:] else symbols[0]
+        again = tested_again(first)
         for i, conditional in enumerate(first):
-            if not conditional.written:
+            if not conditional.written or i in again.values():
                 continue
             for way in (ALWAYS, NEVER):
-                patches = tuple(Patch(program, found[i].position, found[i].code, new)
-                                for program, found in alike
-                                if (new := unconditional(found[i].code, way)) is not None)
+                changed = {i: way}
+                # In a loop that is never entered, nothing is tested.
+                if way == NEVER and i in again:
+                    changed[again[i]] = conditional.again[first[again[i]].position]
+                patches = tuple(Patch(program, found[k].position, found[k].code, new)
+                                for program, found in alike for k, to in changed.items()
+                                if (new := unconditional(found[k].code, to)) is not None)
                 if patches:
-                    name = f"{conditional.file}:{instances}:{digest}:{i}:{way}"
+                    places = "+".join(map(str, changed))
+                    name = f"{conditional.file}:{instances}:{digest}:{places}:{way}"
                     mutants.append(CodeMutant(name, conditional.file, conditional.line, function,
                                               way, patches))
     return sorted(mutants, key=lambda mutant: (mutant.file, mutant.line, mutant.name))

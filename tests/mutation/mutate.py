@@ -13,6 +13,11 @@ on where they were interrupted; with --shard I/N, N runs of `code` share the wor
 A mutant that no test catches is either a gap in the tests or, when it behaves like the program
 itself, explained in survivors.txt. The status of `report` is 0 when every mutant was run, 95 % are
 caught and the others are explained.
+
+Two kinds of changes are no mutants, caught or not. What only the compiler asks is never changed:
+which handler an exception is for, whether a local static is made or a pointer to delete is null;
+and a loop's condition that it tests before the loop and in it is changed in both places. And code
+that by its contract decides about time or memory alone is listed in hints.txt.
 """
 
 import argparse
@@ -31,6 +36,7 @@ from pathlib import Path
 sys.dont_write_bytecode = True
 HERE = Path(__file__).resolve().parent
 sys.path.insert(0, str(HERE))
+from hints import leave_out, read_hints  # noqa: E402
 from judge import Judge  # noqa: E402
 from machine_code import CodeMutant, Patch, code_mutants  # noqa: E402
 from results import CAUGHT, SURVIVED, Results, SurvivorsError, read_accepted, report  # noqa: E402
@@ -182,7 +188,8 @@ class Deadline:
 def wanted(mutants: list, arguments: argparse.Namespace, results: Results) -> list:
     """Those to run; the ones that have survived, which take long, come last."""
     fates = results.fates
-    chosen = [m for m in mutants
+    counting, _, _ = leave_out(mutants, read_hints(HERE / "hints.txt"), SOURCE)
+    chosen = [m for m in counting
               if m.file.startswith(f"{arguments.folder}/") and in_shard(m.name, arguments.shard)
               and (m.name not in fates or arguments.retry and fates[m.name] == SURVIVED)]
     return sorted(chosen, key=lambda m: m.name in fates)
@@ -288,18 +295,20 @@ def string_is_missed(mutant: TextMutant, folder: str, directory: Path, judge: Ju
 
 
 def run_report(arguments: argparse.Namespace) -> int:
-    folders = [arguments.folder] if arguments.folder != "src" else ["src", "src/skein",
-                                                                   "src/reader"]
-    mutants: dict[str, CodeMutant | TextMutant] = {}
+    folders = [arguments.folder] + ["src/skein", "src/reader"] * (arguments.folder == "src")
+    mutants = {}
     for folder in folders:
         if all(any((d / p).exists() for d in (TREE, TREE / "tests"))
                for p in subject_of(folder).files()):
             found = [*all_code_mutants(folder), *all_text_mutants(folder)]
             mutants |= {mutant.name: mutant for mutant in found}
-    accepted = [a for a in read_accepted(HERE / "survivors.txt")
-                if a.file.startswith(f"{arguments.folder}/")]
-    return report(list(mutants.values()), Results(WORK / "results.jsonl"), accepted, SOURCE,
-                  complete=True)
+    accepted, hints = ([e for e in entries if e.file.startswith(f"{arguments.folder}/")] for entries
+                       in (read_accepted(HERE / "survivors.txt"), read_hints(HERE / "hints.txt")))
+    counting, left_out, useless = leave_out(list(mutants.values()), hints, SOURCE)
+    for hint in useless:
+        print(f"in hints.txt, but gone: {hint.file}  {hint.function or hint.text}")
+    status = report(counting, left_out, Results(WORK / "results.jsonl"), accepted, SOURCE)
+    return 1 if useless else status
 
 
 def parse_arguments() -> argparse.Namespace:

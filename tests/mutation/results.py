@@ -11,7 +11,7 @@ WAYS = ("always", "never", "either", "changed")
 
 
 class SurvivorsError(Exception):
-    """A survivors.txt that says nothing definite."""
+    """A survivors.txt or hints.txt that says nothing definite."""
 
 
 @dataclass(frozen=True)
@@ -64,22 +64,32 @@ class Results:
             file.write(json.dumps([name, fate]) + "\n")
 
 
-def report(mutants: list, results: Results, accepted: list[Accepted], root: Path,
-           complete: bool) -> int:
+class SourceLines:
+    def __init__(self, root: Path):
+        self.root = root
+        self.files: dict[str, list[str]] = {}
+
+    def text(self, mutant) -> str:
+        """The line that a mutant changes, without its indentation."""
+        if mutant.file not in self.files:
+            self.files[mutant.file] = (self.root / mutant.file).read_text().splitlines()
+        return self.files[mutant.file][mutant.line - 1].strip()
+
+
+def report(mutants: list, left_out: list, results: Results, accepted: list[Accepted],
+           root: Path) -> int:
     """Prints the figures of each folder and the unexplained survivors; returns the exit status."""
-    sources: dict[str, list[str]] = {}
-    # made, judged, caught, survived, accepted of those
-    figures: dict[str, list[int]] = defaultdict(lambda: [0] * 5)
+    sources = SourceLines(root)
+    # made, judged, caught, survived, accepted of those, left out
+    figures: dict[str, list[int]] = defaultdict(lambda: [0] * 6)
     unexplained: dict[tuple[str, str], list[str]] = defaultdict(list)
     used = set()
     for mutant in mutants:
-        if mutant.file not in sources:
-            sources[mutant.file] = (root / mutant.file).read_text().splitlines()
-        text = sources[mutant.file][mutant.line - 1].strip()
+        text = sources.text(mutant)
         fate = results.fates.get(mutant.name)
         excuses = [a for a in accepted if a.covers(mutant.file, mutant.function, text, mutant.way)]
         survived = fate == SURVIVED
-        counts = (1, fate is not None, fate == CAUGHT, survived, survived and bool(excuses))
+        counts = (1, fate is not None, fate == CAUGHT, survived, survived and bool(excuses), 0)
         for folder in (str(Path(mutant.file).parent), "all"):
             figures[folder] = [a + b for a, b in zip(figures[folder], counts)]
         if survived:
@@ -88,16 +98,21 @@ def report(mutants: list, results: Results, accepted: list[Accepted], root: Path
                 changed = f"  -> {mutant.change.text.strip()}" if mutant.way == "changed" else ""
                 unexplained[mutant.file, mutant.function].append(
                     f"  {mutant.way + ':':<8} {text}{changed}")
+    for mutant in left_out:
+        for folder in (str(Path(mutant.file).parent), "all"):
+            figures[folder][5] += 1
     for (file, function), lines in unexplained.items():
         print(f"{file}  {function}", *dict.fromkeys(lines), sep="\n")
-    print(f"{'':16}{'made':>8}{'run':>8}{'caught':>8}{'%':>7}{'survived':>10}{'accepted':>10}")
-    for folder, (made, run, caught, survived, excused) in sorted(
+    print(f"{'':16}{'made':>8}{'run':>8}{'caught':>8}{'%':>7}{'survived':>10}{'accepted':>10}"
+          f"{'hints, uncounted':>18}")
+    for folder, (made, run, caught, survived, excused, hints) in sorted(
             figures.items(), key=lambda item: (item[0] == "all", item[0])):
         percent = f"{100 * caught / run:.1f}" if run else "-"
-        print(f"{folder:16}{made:8}{run:8}{caught:8}{percent:>7}{survived:10}{excused:10}")
-    stale = [a for a in accepted if a not in used] if complete else []
+        print(f"{folder:16}{made:8}{run:8}{caught:8}{percent:>7}{survived:10}{excused:10}"
+              f"{hints:18}")
+    stale = [a for a in accepted if a not in used]
     for a in stale:
         print(f"in survivors.txt, but caught or gone: {a.file}  {a.function}  {a.way}: {a.text}")
-    made, run, caught, survived, excused = figures["all"]
+    made, run, caught, survived, excused, _ = figures["all"]
     good = run == made and survived == excused and not stale and caught >= 0.95 * run
     return 0 if good else 1

@@ -13,6 +13,7 @@ from pathlib import Path
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(Path(__file__).resolve().parent))
 from control_flow import Function, Instruction  # noqa: E402
+from hints import leave_out, read_hints  # noqa: E402
 from judge import command_fails  # noqa: E402
 from machine_code import ALWAYS, NEVER, code_mutants, plain_name, unconditional  # noqa: E402
 from mutate import FLAGS  # noqa: E402
@@ -33,6 +34,11 @@ bool isSeven(int value) {
 int untested(int value) {
   if (value > 9) return 9;
   return value;
+}
+int sum(const int* numbers, int count) {
+  int result = 0;
+  for (int i = 0; i < count; ++i) result += clamped(numbers[i]);
+  return result;
 }
 }  // namespace Orvane
 """
@@ -77,6 +83,10 @@ class CompiledProgram(unittest.TestCase):
         self.assertEqual(fates["clamped"], {(4, ALWAYS): False, (4, NEVER): False})
         self.assertEqual(fates["isSeven"], {(8, ALWAYS): False, (8, NEVER): False})
         self.assertEqual(fates["untested"], {(11, ALWAYS): True, (11, NEVER): True})
+
+    def test_a_loop_has_one_condition(self):
+        found = [m for m in code_mutants([self.program], self.base) if m.function == "sum"]
+        self.assertEqual({(m.way, len(m.patches)) for m in found}, {(ALWAYS, 1), (NEVER, 2)})
 
     def test_a_program_must_be_the_one_that_was_analysed(self):
         (patch, *_), *_ = [m.patches for m in code_mutants([self.program], self.base)]
@@ -126,13 +136,15 @@ def function(*lines: str) -> Function:
     instructions = []
     for address, line in enumerate(lines):
         mnemonic, _, operands = line.partition(" ")
+        operands, _, comment = operands.partition(" #")
         if operands.isdigit():
             operands = f"{int(operands):x} <f>"
-        instructions.append(Instruction(address, b"?", mnemonic, operands))
+        instructions.append(Instruction(address, b"?", mnemonic, operands, comment))
     return Function(instructions)
 
 
 DESTROY = "call 77 <_ZNSt6stringD1Ev>"
+DELETE = "call 77 <_ZdlPvm@plt>"
 
 
 class ControlFlow(unittest.TestCase):
@@ -146,10 +158,43 @@ class ControlFlow(unittest.TestCase):
                      "call 77 <_Unwind_Resume@plt>")
         self.assertEqual(f.written(), {0, 1, 2, 3})
 
-    def test_handlers_and_the_choice_among_them_are_written(self):
-        f = function("call 77 <_ZN1fEv>", "ret", "cmp", "jne 7", "call 77 <__cxa_begin_catch@plt>",
-                     "je 1", "jmp 1", "call 77 <_Unwind_Resume@plt>")
-        self.assertTrue({2, 3, 4, 5} <= f.written())
+    def test_handlers_are_written_but_not_the_search_for_them(self):
+        f = function("call 77 <_ZN1fEv>", "ret", "cmp", "jne 8", "call 77 <__cxa_begin_catch@plt>",
+                     "test", "je 1", "jmp 1", "call 77 <_Unwind_Resume@plt>")
+        self.assertEqual(f.written(), {0, 1, 4, 5, 6, 7})
+
+    def test_looks_for_null_before_a_delete_are_the_compilers(self):
+        def is_written(*skipped: str, test: str = "test %rax,%rax") -> bool:
+            end = len(skipped) + 2
+            return 1 in function(test, f"je {end}", *skipped, "ret").written()
+
+        self.assertFalse(is_written("mov %rax,%rdi", "mov $0x10,%esi", DELETE))
+        self.assertFalse(is_written(DELETE, test="test %rdi,%rdi"))
+        self.assertFalse(is_written("mov %rax,%rdi", DESTROY, "mov %rax,%rdi", DELETE))
+        self.assertTrue(is_written("mov %rbx,%rdi", DELETE))  # another pointer's
+        self.assertTrue(is_written("mov %rax,%rdi", DELETE, "mov %rbx,0x10(%rbp)"))
+        self.assertTrue(is_written("call 77 <_ZN1fEv>", "mov %rax,%rdi", DELETE))
+        for jump in ("je 3", DELETE, "jmp 3"), ("jne 7", "ret", DELETE, "jmp 6"):
+            f = function("nop", "jmp 4", "nop", "ret", "test %rdi,%rdi", *jump)
+            self.assertNotIn(5, f.written())
+        f = function("test %rax,%rax", "je 6", "mov %rax,%rdi", DELETE, "test %rdi,%rdi", "je 7",
+                     DELETE, "ret")  # the second is known not to be null where the first one is
+        self.assertFalse({1, 5} & f.written())
+
+    def test_looks_whether_a_local_static_is_made_are_the_compilers(self):
+        f = function("movzbl 0x9(%rip),%eax # 9 <_ZGVZ1fvE1s>", "test %al,%al", "je 4", "ret",
+                     "call 77 <__cxa_guard_acquire@plt>", "test %eax,%eax", "je 3", "jmp 3")
+        self.assertFalse({2, 6} & f.written())
+        f = function("movzbl 0x9(%rip),%eax # 9 <_ZL1s>", "test %al,%al", "je 4", "ret", "ret")
+        self.assertIn(2, f.written())
+
+    def test_conditions_before_and_in_a_loop_are_known(self):
+        at_end = function("je 5", "lea", "nop", "call 77 <_ZN1fEv>", "jne 2", "ret")
+        self.assertEqual(at_end.loops(), {0: {4: True}, 4: {}})
+        in_front = function("je 6", "jmp 4", "nop", "je 6", "call 77 <_ZN1fEv>", "jmp 2", "ret")
+        self.assertEqual(in_front.loops(), {0: {3: False}, 3: {}})
+
+        self.assertEqual(function("jne 3", "je 5", "nop", "nop", "jne 3", "ret").loops()[1], {})
 
 
 class FickleJudge:
@@ -236,12 +281,14 @@ class Verdict(unittest.TestCase):
         path = self.root / "survivors.txt"
         path.write_text(accepted)
         with contextlib.redirect_stdout(io.StringIO()) as output:
-            status = report(self.mutants, Results(self.root / "results.jsonl"),
-                            read_accepted(path), self.root, complete=True)
+            status = report(self.mutants, [Mutant("hint", 1)],
+                            Results(self.root / "results.jsonl"), read_accepted(path), self.root)
         return status, output.getvalue()
 
     def test_all_caught(self):
-        self.assertEqual(self.status()[0], 0)
+        status, output = self.status()
+        self.assertEqual(status, 0)
+        self.assertRegex(output, r"\nall +40 +40 +40 +100.0 +0 +0 +1\n")
 
     def test_survivors_need_a_reason(self):
         self.results.add("m7", SURVIVED)
@@ -275,6 +322,28 @@ class Verdict(unittest.TestCase):
                      "# Why.\nsrc/a.cc  f\n  often: x\n"):
             with self.assertRaises(SurvivorsError):
                 self.status(text)
+
+    def hinted(self, hints: str) -> tuple[list[str], int]:
+        """The names of the mutants that are left out, and the number of useless hints."""
+        path = self.root / "hints.txt"
+        path.write_text(hints)
+        counting, left_out, useless = leave_out(self.mutants, read_hints(path), self.root)
+        self.assertEqual(len(counting) + len(left_out), len(self.mutants))
+        return [m.name for m in left_out], len(useless)
+
+    def test_hints_leave_out_lines_and_functions(self):
+        self.mutants += [Mutant("g", 7, function="g"), Mutant("lambda", 8, function="g::lambda2"),
+                         Mutant("other", 9, function="g2"), Mutant("text", 3, function="text")]
+        self.assertEqual(self.hinted("# Why.\nsrc/a.cc\n  line 3\n  line 5\n"),
+                         (["m3", "m5", "text"], 0))
+        self.assertEqual(self.hinted("# Why.\nsrc/a.cc  g\n"), (["g", "lambda"], 0))
+        self.assertEqual(self.hinted("# Why.\nsrc/b.cc  g\nsrc/a.cc\n  line\n"), ([], 2))
+
+    def test_hints_without_reasons_are_refused(self):
+        for text in ("src/a.cc  f\n", "src/a.cc\n  line 3\n", "# Why.\n  line 3\n",
+                     "# Why.\nsrc/a.cc  f\n  line 3\n"):
+            with self.assertRaises(SurvivorsError):
+                self.hinted(text)
 
 
 if __name__ == "__main__":
