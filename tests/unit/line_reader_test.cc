@@ -176,7 +176,7 @@ TEST(LineReader, GuessesTheLinesThatAreLeft) {
 TEST(LineReader, ExpectsNoLinesInAHole) {
   const TempDir dir;
   writeFile(dir / "file", std::string(10'000, '\n'));
-  ASSERT_EQ(::truncate((dir / "file").c_str(), off_t{1} << 36), 0);
+  ASSERT_EQ(::truncate((dir / "file").c_str(), off_t{1} << 27), 0);
   LineReader reader((dir / "file").c_str());
   reader.next();
   EXPECT_LT(reader.expectedLines(), 10'000U);
