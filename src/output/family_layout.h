@@ -1,6 +1,7 @@
 // The order in which both layouts put a tree into records.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -55,7 +56,8 @@ std::uint32_t layoutFamilies(const MenuNode& node, Table& table) {
 
   const auto appendLeaves = [&](std::span<const std::uint32_t> tracks) {
     const auto append = [&](std::size_t i) { table.appendLeaf(tracks[i]); };
-    if (tracks.size() <= kFewLeaves) {  // they have been asked for
+    if (tracks.size() <= kFewLeaves) {
+      // They have been asked for.
       for (std::size_t i = 0; i < tracks.size(); ++i) append(i);
     } else {
       forEachPrefetched(
@@ -89,13 +91,15 @@ std::uint32_t layoutFamilies(const MenuNode& node, Table& table) {
 
   // A menu of few leaves is too short to ask for them while it is laid out: that is done while the
   // menus before it are.
-  const auto expectFamilies = [&](std::span<const Menu> next) {
-    if (next.size() > 2) next[2].node->expectChildren(0);
-    if (next.size() > 1) next[1].node->expectChildren(1);
-    if (next.empty()) return;
-    const std::span<const std::uint32_t> tracks = next[0].node->trackNumbers();
-    if (tracks.size() > kFewLeaves) return;
-    for (const std::uint32_t track : tracks) table.expectLeaf(track, 0);
+  const auto expectFamilies = [&](std::size_t visited, std::size_t end) {
+    const auto next = [&](std::size_t distance) -> const MenuNode& {
+      return *toVisit[std::min(visited + distance, end - 1)].node;
+    };
+    next(3).expectChildren(0);
+    next(2).expectChildren(1);
+    const std::span<const std::uint32_t> tracks = next(1).trackNumbers();
+    const auto first = tracks.first(std::min(tracks.size(), kFewLeaves));
+    for (const std::uint32_t track : first) table.expectLeaf(track, 0);
   };
 
   const std::uint32_t result = appendFamily(node);
@@ -117,7 +121,7 @@ std::uint32_t layoutFamilies(const MenuNode& node, Table& table) {
       continue;
     }
     const Menu menu = toVisit[visited];
-    expectFamilies(std::span<const Menu>(toVisit).subspan(visited + 1, family.end - visited - 1));
+    expectFamilies(visited, family.end);
     const bool leaf = menu.node->getNodeType() == NODE_TYPE_MEDIA;
     table.setFirstChild(menu.link, leaf ? kNoChildren : appendFamily(*menu.node));
   }
