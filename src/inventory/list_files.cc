@@ -58,13 +58,19 @@ void readTracks(TrackManager& manager, const char* path, LaterTracks& laterTrack
   // Where there is no second processor, or not yet enough to do for two threads.
   const std::size_t linesAlone =
       usableProcessors() < 2 ? std::numeric_limits<std::size_t>::max() : kFirstLines;
+  const auto trackCount = [&] {
+    return static_cast<std::size_t>(manager.tracksEnd() - manager.tracksBegin());
+  };
+  const std::size_t tracksBefore = trackCount();
   TrackBatch first;
   while (!reader.atEnd() && reader.lineNumber() < linesAlone) {
     first.read(reader, path, kFirstBatchLines, false);
     addTracks(manager, first, laterTracks);
   }
   if (reader.atEnd()) return;
-  manager.expectTracks(reader.expectedLines());
+  // As many of the lines will be tracks as of those so far.
+  const std::size_t tracks = trackCount() - tracksBefore;
+  manager.expectTracks(reader.expectedLines() * tracks / reader.lineNumber());
   forEachMadeAhead<TrackBatch>(
       [&](TrackBatch& batch) {
         if (reader.atEnd()) return false;

@@ -33,7 +33,7 @@ bool TrackIndex::add(Track& track) {
 void TrackIndex::expect(std::size_t count) {
   try {
     tracksByNumber_.reserve(tracksByNumber_.size() + count);
-    tracksById_.reserve(count);
+    tracksById_.reserve(tracksByNumber_.size() + count);
   } catch (const std::bad_alloc&) {
     // What really comes may well fit.
   }

@@ -31,7 +31,8 @@ class TrackIndex {
   // and what it refers to must outlive the index, or the next clear().
   bool add(Track& track);
 
-  // Says that about so many tracks will be added, for which room is made if there is memory.
+  // Says that about so many tracks will be added. Room for them is made, and their places in the
+  // table of ids touched, if there is memory.
   void expect(std::size_t count);
 
   // Says that tracks with these ids will be added next. What that looks at is all over the memory:

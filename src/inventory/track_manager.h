@@ -43,7 +43,8 @@ class TrackManager {
 
   virtual Playlist* addPlaylist(std::string_view name, std::uint32_t playlistId);
 
-  // Says that about so many tracks will be added, for which room is made if there is memory.
+  // Says that about so many tracks will be added. Room for them is made, if there is memory: some
+  // 20 bytes each.
   void expectTracks(std::size_t count) { index_->expect(count); }
 
   // Says that tracks with these ids will be added next.

@@ -91,8 +91,8 @@ bool DiskBuffer::read(char* data, int length) {
 }
 
 long DiskBuffer::seek(long offset, int whence) {
-  // There is one position for both directions, and none, which is -1, when the stream isn't open or
-  // has failed.
+  if (mode != kStreamRead && mode != kStreamWrite) return -1;
+  // There is one position for both directions, and none, which is -1, when the stream has failed.
   stream_.seekg(offset, direction(whence));
   return static_cast<long>(stream_.tellg());
 }

@@ -13,7 +13,10 @@ namespace Orvane {
 // Sorts by keys that are numbers, to the order that std::sort of the GNU library gives, also among
 // elements of equal keys: there is no other reason for it in existing inventories. So each decision
 // here is one of that introsort, and must stay so; but they are taken without branches that depend
-// on a comparison, of which the processor foresees only every second: half the time.
+// on a comparison, of which the processor foresees only every second: half the time. What that
+// library does with keys that hardly part is left to it.
+//
+// Elements are copied, and made before they are given a value.
 template <typename Element, typename KeyOf>
 class KeySorter {
  public:
@@ -21,8 +24,7 @@ class KeySorter {
   explicit KeySorter(KeyOf keyOf) : keyOf_(keyOf) {}
 
   void sort(std::span<Element> elements) const {
-    if (elements.empty()) return;
-    const auto levels = static_cast<std::size_t>(std::bit_width(elements.size()) - 1);
+    const int levels = static_cast<int>(std::bit_width(elements.size())) - 1;
     sort(elements.data(), elements.data() + elements.size(), 2 * levels);
   }
 
@@ -47,7 +49,7 @@ class KeySorter {
     }
   };
 
-  void sort(Element* first, Element* last, std::size_t levelsLeft) const {
+  void sort(Element* first, Element* last, int levelsLeft) const {
     for (; last - first > kFew; --levelsLeft) {
       if (levelsLeft == 0) {
         std::partial_sort(first, last, last, [this](const Element& a, const Element& b) {

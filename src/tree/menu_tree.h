@@ -40,7 +40,8 @@ class MenuTree {
   std::size_t nodeCountHint() const;
 
   // Lets the children of this tree's nodes be numbers of tracks in that table, which must outlive
-  // the tree, and in which no number may come to mean another track. The first table counts.
+  // the tree, as must all tracks in it, and in which no number may come to mean another track. The
+  // first table counts.
   void setTrackTable(const TrackTable& tracks);
   const TrackTable* getTrackTable() const { return root_->getTrackTable(); }
 

@@ -55,10 +55,10 @@ void NameRanks::rank() {
   forEachInParallel(begins.size() - 1, workersFor(keys_.size()), [&](std::size_t i, std::size_t) {
     order(begins[i], begins[i + 1], startsRank);
   });
-  highest_ = 0;
+  std::uint32_t rank = 0;
   for (std::size_t i = 0; i < keys_.size(); ++i) {
-    if (startsRank[i]) ++highest_;
-    ranks_[keys_[i].number] = highest_;
+    if (startsRank[i]) ++rank;
+    ranks_[keys_[i].number] = rank;
   }
 }
 

@@ -25,9 +25,6 @@ class NameRanks {
   // The rank of an added name, after rank().
   std::uint32_t operator[](std::uint32_t number) const { return ranks_[number]; }
 
-  // The rank of the last name in the order.
-  std::uint32_t highest() const { return highest_; }
-
  private:
   // A name, and eight bytes of it, in the order of whose values the names come.
   struct Key {
@@ -43,7 +40,6 @@ class NameRanks {
 
   LargeVector<Key> keys_;
   LargeVector<std::uint32_t> ranks_;  // by number
-  std::uint32_t highest_ = 0;
 };
 
 }  // namespace Orvane

@@ -70,6 +70,7 @@ class ChildSorter {
     std::uint32_t track;
   };
 
+  // All of them: hardly any track is in no menu that is sorted.
   void rankTitles() {
     const auto count = static_cast<std::uint32_t>(tracks_->size());
     ranks_.reserve(count - 1, count - 1);  // there is no track 0

@@ -37,6 +37,27 @@ TEST_F(DiskBufferLeftOpen, NothingCanBeWrittenAfterOpeningAgain) {
   EXPECT_EQ(readFile(path_), "kept");
 }
 
+TEST_F(DiskBufferLeftOpen, SeekingMovesNothing) {
+  OpenDiskBuffer buffer(path_);
+  ASSERT_TRUE(buffer.openForWrite());
+  put(buffer, "abcdef");
+  failATransfer(buffer);
+  EXPECT_EQ(buffer.seek(2, SEEK_SET), -1);
+  EXPECT_TRUE(buffer.openRawWrite());
+  EXPECT_EQ(buffer.seek(2, SEEK_SET), -1);
+  EXPECT_TRUE(buffer.close());
+  EXPECT_EQ(readFile(path_), "abcdef");
+}
+
+TEST_F(DiskBufferLeftOpen, SeekingWhileBlocksAreReadFindsNoPosition) {
+  writeFile(path_, "text");
+  OpenDiskBuffer buffer(path_);
+  ASSERT_TRUE(buffer.openForRead());
+  failATransfer(buffer);
+  ASSERT_TRUE(buffer.openRawRead());
+  EXPECT_EQ(buffer.seek(3, SEEK_SET), -1);
+}
+
 TEST_F(DiskBufferLeftOpen, ClosingStillTellsThatWritingFailed) {
   OpenDiskBuffer buffer("/dev/full");
   ASSERT_TRUE(buffer.openForWrite());

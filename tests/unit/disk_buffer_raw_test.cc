@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstddef>
 #include <filesystem>
 #include <string>
@@ -35,6 +36,16 @@ TEST_F(DiskBufferRaw, RawReadDeliversBlocksAndThenNothing) {
   EXPECT_EQ(nextBlock(buffer, piece), 0U);
   EXPECT_EQ(buffer.currentMode(), 3U);
   EXPECT_EQ(buffer.counter(), 5000U);
+}
+
+TEST_F(DiskBufferRaw, MissingFileLeavesTheReasonAndNothingToClose) {
+  {
+    OpenDiskBuffer buffer(path_);
+    EXPECT_FALSE(buffer.openRawRead());
+    EXPECT_EQ(errno, ENOENT);
+    errno = 0;
+  }
+  EXPECT_EQ(errno, 0);
 }
 
 TEST_F(DiskBufferRaw, SecondOpenIsRefusedAndTheFirstGoesOn) {

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstddef>
 #include <filesystem>
 #include <fstream>
@@ -155,6 +156,7 @@ TEST(LineReader, GivesOnlyLinesThatAreAtHandInAGroup) {
   EXPECT_TRUE(reader.atEnd());
 }
 
+// The file system has to tell at once what a file takes.
 TEST(LineReader, GuessesTheLinesThatAreLeft) {
   const TempDir dir;
   std::string content;
@@ -218,6 +220,17 @@ TEST(LineReader, DoesNotOpenWhatIsNoFile) {
   writeFile(dir / "file", "");
   EXPECT_TRUE(LineReader((dir / "file").c_str()).isOpen());
   EXPECT_FALSE(LineReader((dir / "file/below").c_str()).isOpen());
+}
+
+TEST(LineReader, LeavesTheReasonWhyAFileIsNotOpen) {
+  const TempDir dir;
+  const std::string path = dir / "missing";
+  {
+    const LineReader reader(path.c_str());
+    EXPECT_EQ(errno, ENOENT);
+    errno = 0;
+  }
+  EXPECT_EQ(errno, 0) << "there was nothing to close";
 }
 
 TEST(LineReader, LeavesNoFileOpen) {

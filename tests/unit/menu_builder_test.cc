@@ -98,9 +98,9 @@ TEST_F(MenuBuilder, ShowsOneTrackInEachPlaceAsALeafOfItsOwn) {
 TEST_F(MenuBuilder, ArtistsAfterOneOfManyAlbumsHaveTheirOwn) {
   constexpr std::uint32_t kAlbums = 3'000;
   for (std::uint32_t i = 1; i <= kAlbums; ++i) add(i, "t", 1, "a", i, "album");
-  add(3'070, "t", 2, "b", 7, "album");
+  add(3'070, "t", 2, "b", kAlbums, "album");  // the one met last
   add(3'090, "t", 2, "b", 9, "album");
-  add(3'071, "t", 2, "b", 7, "album");
+  add(3'071, "t", 2, "b", kAlbums, "album");
   add(1'000'000, "u", 2, "b", 9, "album");
   add(1'000'001, "t", 3, "c", 9, "album");
 
@@ -109,8 +109,8 @@ TEST_F(MenuBuilder, ArtistsAfterOneOfManyAlbumsHaveTheirOwn) {
   EXPECT_EQ(lines[1], "  1 album");
   EXPECT_EQ(lines[2 * kAlbums], "    3000 t");
   EXPECT_THAT(std::vector(lines.end() - 10, lines.end()),
-              ElementsAre("2 b", "  7 album", "    3070 t", "    3071 t", "  9 album", "    3090 t",
-                          "    1000000 u", "3 c", "  9 album", "    1000001 t"));
+              ElementsAre("2 b", "  3000 album", "    3070 t", "    3071 t", "  9 album",
+                          "    3090 t", "    1000000 u", "3 c", "  9 album", "    1000001 t"));
 }
 
 TEST_F(MenuBuilder, LeavesKnowTheirTrackAndMenusNone) {

@@ -89,8 +89,8 @@ TEST(MappedFile, ReadsStandardInputFromWhereItStandsAndLeavesItOpen) {
     const auto offset = static_cast<off_t>(10 - expected.size());
     EXPECT_EQ(::lseek(STDIN_FILENO, offset, SEEK_SET), offset);
     const auto file = MappedFile::open("-", error);
-    ASSERT_TRUE(file.has_value()) << error;
-    EXPECT_EQ(textOf(*file), expected);
+    EXPECT_TRUE(file.has_value()) << error;
+    EXPECT_EQ(file ? textOf(*file) : "", expected);
   }
   EXPECT_EQ(::dup2(saved, STDIN_FILENO), STDIN_FILENO);
   ::close(saved);

@@ -270,6 +270,15 @@ TEST_F(OutputFileTest, LeavesNothingWhenNotCommitted) {
   EXPECT_EQ(nextDescriptor(), next);
 }
 
+TEST_F(OutputFileTest, TouchesNothingAfterItWasCommitted) {
+  auto output = OutputFile::create(file("out"), file("in"), error_);
+  ASSERT_NE(output, nullptr) << error_;
+  EXPECT_TRUE(output->commit(error_)) << error_;
+  errno = 0;
+  output.reset();
+  EXPECT_EQ(errno, 0) << "a descriptor or a file that isn't there was asked for";
+}
+
 TEST_F(OutputFileTest, IsNotTheInput) {
   std::ofstream(file("in")) << "precious";
   std::filesystem::create_hard_link(file("in"), file("link"));

@@ -8,6 +8,7 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "allocation_probe.h"
@@ -73,6 +74,7 @@ TEST_F(TrackChildren, AreNodesBesideNodes) {
   root_.appendLeaf(tracks_, addTrack(9, "nine"));
   EXPECT_TRUE(root_.childAt(2).isNode());
   EXPECT_TRUE(root_.trackNumbers().empty());
+  EXPECT_TRUE(std::as_const(root_).trackNumbers().empty());
   EXPECT_THAT(describeChildren(root_),
               ElementsAre("2 7 'seven' 0 0 0", "2 8 'eight' 0 0 0", "2 9 'nine' 0 0 0"));
 }
