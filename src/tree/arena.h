@@ -20,7 +20,8 @@ class Arena {
   // `size` bytes. `alignment` is a power of two, at most that of std::max_align_t.
   void* allocate(std::size_t size, std::size_t alignment) {
     const std::size_t skipped = -reinterpret_cast<std::uintptr_t>(free_) & (alignment - 1);
-    if (freeSize_ < skipped || freeSize_ - skipped < size) return allocateInNewBlock(size);
+    // Blocks end at a multiple of every alignment: there is always enough left to skip.
+    if (freeSize_ - skipped < size) return allocateInNewBlock(size);
     std::byte* const place = free_ + skipped;
     free_ = place + size;
     freeSize_ -= skipped + size;

@@ -73,9 +73,9 @@ void* allocateLarge(std::size_t size) {
 
   const std::size_t wanted = roundedUp(size);
   std::byte* const memory = mapLarge(wanted);
-  for (std::size_t filled = 0; filled < wanted;) {
-    const SpareMemory::Piece spare = spareMemory().take(wanted - filled);
-    if (spare.size == 0) break;
+  std::size_t filled = 0;
+  for (auto spare = spareMemory().take(wanted); spare.size > 0;
+       spare = spareMemory().take(wanted - filled)) {
     if (!movePages(spare, memory + filled)) {
       unmap(memory, wanted);
       throw std::bad_alloc();

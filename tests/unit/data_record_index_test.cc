@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdint>
 
+#include "output/two_table_layout.h"
 #include "tree/menu_tree.h"
 #include "tree/track.h"
 
@@ -35,6 +36,15 @@ TEST_F(TracksInATree, OfIdsOfTheirOwnNeedNoSearch) {
   const DataRecordIndex index(tree_);
   ASSERT_EQ(index.byTrack.size(), 4U);
   for (const DataRecordIndex::OfTrack& track : index.byTrack) EXPECT_EQ(track.hash, 0U);
+}
+
+TEST_F(TracksInATree, OfIdsOfTheirOwnAreNotEnteredForOthersToFind) {
+  DataRecordIndex index(tree_);
+  TreeTable treeTable;
+  DataTable dataTable;
+  layoutChildren(&menu_, treeTable, dataTable, index);
+  ASSERT_EQ(dataTable.size(), 3U);
+  EXPECT_EQ(index.byNameAndId.findOrInsert(0, 99, [](std::uint32_t) { return true; }), 99U);
 }
 
 TEST_F(TracksInATree, OfOneIdAreLookedFor) {
