@@ -43,8 +43,8 @@ class TrackManager {
 
   virtual Playlist* addPlaylist(std::string_view name, std::uint32_t playlistId);
 
-  // Says that about so many tracks will be added. Room for them is made, if there is memory: some
-  // 20 bytes each.
+  // Says that about so many tracks will be added. Room for them is made, if there is memory: 20 to
+  // 30 bytes each.
   void expectTracks(std::size_t count) { index_->expect(count); }
 
   // Says that tracks with these ids will be added next.

@@ -74,10 +74,9 @@ void NameRanks::order(std::size_t begin, std::size_t end, LargeVector<std::uint8
   while (!parts.empty()) {
     const Part part = parts.back();
     parts.pop_back();
-    const auto partBegin = keys_.begin() + static_cast<std::ptrdiff_t>(part.begin);
-    const auto partEnd = keys_.begin() + static_cast<std::ptrdiff_t>(part.end);
-    const bool byLength =
-        std::all_of(partBegin, partEnd, [&](const Key& key) { return key.size <= part.offset; });
+    const std::span<Key> keys = std::span(keys_).subspan(part.begin, part.end - part.begin);
+    const bool byLength = std::all_of(keys.begin(), keys.end(),
+                                      [&](const Key& key) { return key.size <= part.offset; });
     if (part.offset > 0) {
       for (std::size_t i = part.begin; i < part.end; ++i) {
         constexpr std::size_t kDistance = 16;
@@ -86,8 +85,7 @@ void NameRanks::order(std::size_t begin, std::size_t end, LargeVector<std::uint8
         key.bytes = byLength ? key.size : nameBytesAt({key.name, key.size}, part.offset);
       }
     }
-    sortByKey(std::span(keys_).subspan(part.begin, part.end - part.begin),
-              [](const Key& key) { return key.bytes; });
+    sortByKey(keys, [](const Key& key) { return key.bytes; });
     for (std::size_t i = part.begin; i < part.end;) {
       const std::size_t first = i;
       while (i < part.end && keys_[i].bytes == keys_[first].bytes) ++i;

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "allocation_probe.h"
 #include "inventory/category_entries.h"
@@ -24,11 +25,9 @@ TEST(InventoryMemory, EntriesOfTracksThatCountUpTakeTheirPlacesOnly) {
   EXPECT_EQ(entries.size(), 93U);
 }
 
-TEST(InventoryMemory, ANameThatStaysIsNotFoldedAgain) {
-  const std::string name(40, 'x');
-  const std::string copy = name;
-  const NamedId first(5, name);
-  const NamedId second(5, copy);
+void expectRenamedWithoutMemory(std::string_view before, std::string_view after) {
+  const NamedId first(5, before);
+  const NamedId second(5, after);
   CategoryIndex index(CategoryIndex::Order::kByName);
   index.insert(first, 1);
   const LimitedAllocations none(0);
@@ -36,14 +35,14 @@ TEST(InventoryMemory, ANameThatStaysIsNotFoldedAgain) {
   EXPECT_EQ(index.find(5), &second);
 }
 
+TEST(InventoryMemory, ANameThatStaysIsNotFoldedAgain) {
+  const std::string name(40, 'x');
+  const std::string copy = name;
+  expectRenamedWithoutMemory(name, copy);
+}
+
 TEST(InventoryMemory, ANameThatKeepsItsPlaceMovesNoEntry) {
-  const NamedId lower(5, "name");
-  const NamedId upper(5, "NAME");
-  CategoryIndex index(CategoryIndex::Order::kByName);
-  index.insert(lower, 1);
-  const LimitedAllocations none(0);
-  index.insert(upper, 2);
-  EXPECT_EQ(index.find(5), &upper);
+  expectRenamedWithoutMemory("name", "NAME");
 }
 
 TEST(InventoryMemory, TheListOfTracksIsNoOtherOneUntilOneIsWithdrawn) {
