@@ -50,8 +50,7 @@ void addTracks(TrackManager& manager, const TrackBatch& batch, LaterTracks& late
 
 void readTracks(TrackManager& manager, const char* path, LaterTracks& laterTracks) {
   constexpr std::size_t kFirstLines = 8192;
-  constexpr std::size_t kFirstBatchLines = 128;
-  constexpr std::size_t kBatchLines = 2048;
+  constexpr std::size_t kBatchLines = 128;
 
   LineReader reader(path);
   if (reportUnopened(reader, path)) return;
@@ -64,7 +63,7 @@ void readTracks(TrackManager& manager, const char* path, LaterTracks& laterTrack
   const std::size_t tracksBefore = trackCount();
   TrackBatch first;
   while (!reader.atEnd() && reader.lineNumber() < linesAlone) {
-    first.read(reader, path, kFirstBatchLines, false);
+    first.read(reader, path, kBatchLines, false);
     addTracks(manager, first, laterTracks);
   }
   if (reader.atEnd()) return;

@@ -49,7 +49,9 @@ void meetNodes(const MenuNode& top, RecurringIds& ids) {
 DataRecordIndex::DataRecordIndex(const MenuTree& tree) {
   if (tree.getTrackTable() == nullptr) return;
   const TrackTable& tracks = *tree.getTrackTable();
-  byTrack.resize(tracks.size());
+  hashes.resize(tracks.size());
+  records.resize(tracks.size());
+  tracksWithoutRecord = tracks.size() - 1;  // there is no track 0
   RecurringIds ids(tracks.size());
   meetNodes(*tree.getRoot(), ids);
   forEachPart(tracks, [&](std::size_t begin, std::size_t end) {
@@ -60,7 +62,7 @@ DataRecordIndex::DataRecordIndex(const MenuTree& tree) {
     for (std::size_t i = begin; i < end; ++i) {
       if (!ids.mayRecur(tracks[i]->getMediaId())) continue;
       leaf.becomeLeafOf(*tracks[i]);
-      byTrack[i].hash = hashOf(leaf);
+      hashes[i] = hashOf(leaf);
     }
   });
 }

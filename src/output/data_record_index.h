@@ -22,13 +22,19 @@ struct DataRecordIndex {
   // The hash of a node's name and id; never 0.
   static std::uint32_t hashOf(const MenuNode& node);
 
-  struct OfTrack {
-    std::uint32_t hash = 0;   // of its leaves; 0 where nothing else in the tree has its id
-    std::uint32_t index = 0;  // of the record that they share; 0 where there is none yet
-  };
+  // Forgets what only finds records for further children.
+  void endSearch() {
+    byNameAndId.clear();
+    release(hashes);
+  }
 
   PositionIndex byNameAndId;
-  LargeVector<OfTrack> byTrack;  // by number
+
+  // Of each track's leaves, by its number: the hash, 0 where nothing else in the tree has its id,
+  // and the data record that they share, 0 where there is none yet.
+  LargeVector<std::uint32_t> hashes;
+  LargeVector<std::uint32_t> records;
+  std::size_t tracksWithoutRecord = 0;
 };
 
 }  // namespace Orvane

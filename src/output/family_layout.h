@@ -23,12 +23,14 @@ namespace Orvane {
 // A Table offers:
 //   std::uint32_t size() const;                       records so far
 //   Link append(MenuNode& child);                     a record for `child`, linked to kNoChildren
-//   void appendLeaf(std::uint32_t track);             one for a child that is a track's number
+//   void appendLeaves(std::span<const std::uint32_t> tracks);
+//                                                     those of children that are tracks' numbers
 //   void setFirstChild(Link, std::uint32_t index);    links that record to its children
 //   bool isDeferred(const MenuNode& child) const;     see below
 //   void expect(MenuNode& child, int step);           asks for what append(child), soon to come,
 //                                                     looks at, in three steps
-//   void expectLeaf(std::uint32_t track, int step);   the same for appendLeaf(track), in two
+//   void expectLeaves(std::span<const std::uint32_t> tracks);
+//                                                     the same for appendLeaves(tracks)
 //
 // The descendants of a deferred child come after those of all its siblings. Among several deferred
 // siblings only the last is descended into; the others are linked to 0.
@@ -37,7 +39,6 @@ namespace Orvane {
 template <typename Table>
 std::uint32_t layoutFamilies(const MenuNode& node, Table& table) {
   constexpr std::uint32_t kNone = 0xFFFFFFFF;
-  constexpr std::size_t kFewLeaves = 64;
 
   if (node.getNodeType() == NODE_TYPE_MEDIA) return kNoChildren;
 
@@ -54,22 +55,10 @@ std::uint32_t layoutFamilies(const MenuNode& node, Table& table) {
   std::vector<Family> unfinished;
   LargeVector<Menu> toVisit;
 
-  const auto appendLeaves = [&](std::span<const std::uint32_t> tracks) {
-    const auto append = [&](std::size_t i) { table.appendLeaf(tracks[i]); };
-    if (tracks.size() <= kFewLeaves) {
-      // They have been asked for.
-      for (std::size_t i = 0; i < tracks.size(); ++i) append(i);
-    } else {
-      forEachPrefetched(
-          tracks.size(), append, [&](std::size_t i) { table.expectLeaf(tracks[i], 0); },
-          [&](std::size_t i) { table.expectLeaf(tracks[i], 1); });
-    }
-  };
-
   const auto appendFamily = [&](const MenuNode& parent) {
     const std::uint32_t base = table.size();
     if (parent.hasTrackNumbers()) {
-      appendLeaves(parent.trackNumbers());
+      table.appendLeaves(parent.trackNumbers());
       return base;
     }
     const std::size_t first = toVisit.size();
@@ -89,17 +78,15 @@ std::uint32_t layoutFamilies(const MenuNode& node, Table& table) {
     return base;
   };
 
-  // A menu of few leaves is too short to ask for them while it is laid out: that is done while the
-  // menus before it are.
+  // Menus are mostly too short for what they hold to be asked for while they are laid out: that is
+  // done while the menus before them are.
   const auto expectFamilies = [&](std::size_t visited, std::size_t end) {
     const auto next = [&](std::size_t distance) -> const MenuNode& {
       return *toVisit[std::min(visited + distance, end - 1)].node;
     };
     next(3).expectChildren(0);
     next(2).expectChildren(1);
-    const std::span<const std::uint32_t> tracks = next(1).trackNumbers();
-    const auto first = tracks.first(std::min(tracks.size(), kFewLeaves));
-    for (const std::uint32_t track : first) table.expectLeaf(track, 0);
+    table.expectLeaves(next(1).trackNumbers());
   };
 
   const std::uint32_t result = appendFamily(node);

@@ -2,17 +2,22 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <stdexcept>
 
 #include "tree/huge_pages.h"
 
 namespace Orvane {
 
+template <typename Record>
+class LinkedTableReader;
+
 // A table of records with links, in record order. Most records are those of media leaves and link
-// to nothing: of these only the rest is kept.
+// to nothing: of these only the rest is kept, and of leaves that are numbers of tracks nothing but
+// where those numbers are. A LinkedTableReader gives the records back.
 //
-// A Record has a firstChildIndex, a type Leaf for what a leaf's record is made from, a static
-// ofLeaf(Leaf) that makes it, and leaf(), which gives that of any record.
+// A Record has a firstChildIndex, a type Leaf for what a leaf's record is made from, and a static
+// ofLeaf(Leaf) that makes it.
 template <typename Record>
 class LinkedTable {
  public:
@@ -22,21 +27,32 @@ class LinkedTable {
   using Link = std::uint32_t;
   static constexpr Link kNeverLinked = 0xFFFFFFFF;
 
-  std::uint32_t size() const { return static_cast<std::uint32_t>(leaves_.size()); }
-  void reserve(std::size_t records) { leaves_.reserve(records); }
+  std::uint32_t size() const { return size_; }
+
+  // Makes room for so many leaves that are appended one by one.
+  void reserve(std::size_t leaves) { leaves_.reserve(leaves); }
 
   // Appends the record of a media leaf without children.
   Link appendLeaf(Leaf leaf) {
-    if (leaves_.size() >= kMostRecords) throw std::length_error("too many records for a file");
+    const std::uint32_t sizeAfter = sizeWith(1);
     leaves_.push_back(leaf);
+    size_ = sizeAfter;
     return kNeverLinked;
+  }
+
+  // Appends those of tracks' leaves. The numbers stay where they are, and must until the records
+  // have been read.
+  void appendLeaves(std::span<const std::uint32_t> tracks) {
+    const std::uint32_t sizeAfter = sizeWith(tracks.size());
+    runs_.push_back({tracks.data(), size_, sizeAfter});
+    size_ = sizeAfter;
   }
 
   // Appends a record that is yet to be linked.
   Link append(const Record& record) {
-    const std::uint32_t position = size();
-    appendLeaf(record.leaf());
-    linked_.push_back({position, record});
+    const std::uint32_t sizeAfter = sizeWith(1);
+    linked_.push_back({size_, record});
+    size_ = sizeAfter;
     return static_cast<Link>(linked_.size() - 1);
   }
 
@@ -47,24 +63,14 @@ class LinkedTable {
   // Forgets all records and frees their memory.
   void clear() {
     release(leaves_);
+    release(runs_);
     release(linked_);
-  }
-
-  // Calls `use` with each record in order.
-  template <typename Use>
-  void forEach(Use use) const {
-    auto linked = linked_.begin();
-    for (std::uint32_t i = 0; i < size(); ++i) {
-      if (linked != linked_.end() && linked->position == i) {
-        use(linked->record);
-        ++linked;
-      } else {
-        use(Record::ofLeaf(leaves_[i]));
-      }
-    }
+    size_ = 0;
   }
 
  private:
+  friend class LinkedTableReader<Record>;
+
   static constexpr std::size_t kMostRecords = 0xFFFFFFFF;  // whose indexes aren't kNoChildren
 
   struct Linked {
@@ -72,7 +78,21 @@ class LinkedTable {
     Record record;
   };
 
-  LargeVector<Leaf> leaves_;    // of all records
+  // Leaves whose tracks' numbers stand one after the other.
+  struct Run {
+    const std::uint32_t* tracks;
+    std::uint32_t begin;  // of their records in the table
+    std::uint32_t end;
+  };
+
+  std::uint32_t sizeWith(std::size_t more) const {
+    if (more > kMostRecords - size_) throw std::length_error("too many records for a file");
+    return static_cast<std::uint32_t>(size_ + more);
+  }
+
+  std::uint32_t size_ = 0;
+  LargeVector<Leaf> leaves_;    // that were appended one by one, in order
+  LargeVector<Run> runs_;       // in order
   LargeVector<Linked> linked_;  // by position
 };
 

@@ -21,13 +21,13 @@ class OneTable {
     return child.getNodeType() == NODE_TYPE_MEDIA ? table_.appendLeaf(place)
                                                   : table_.append({place});
   }
-  void appendLeaf(std::uint32_t track) { table_.appendLeaf(Child::ofTrack(track)); }
+  void appendLeaves(std::span<const std::uint32_t> tracks) { table_.appendLeaves(tracks); }
   void setFirstChild(Link link, std::uint32_t index) { table_.setFirstChild(link, index); }
   static bool isDeferred(const MenuNode& /*child*/) { return false; }
   static void expect(const MenuNode& child, int step) {
     if (step == 0) prefetch(&child);
   }
-  static void expectLeaf(std::uint32_t /*track*/, int /*step*/) {}
+  static void expectLeaves(std::span<const std::uint32_t> /*tracks*/) {}
 
  private:
   NodeTable& table_;

@@ -13,13 +13,12 @@ namespace Orvane {
 // What the layout knows of a record of the combined table: the child that it is filled from (not
 // owned) and its link. The 80 bytes come into being only as they are written.
 struct NodeRecord {
-  Child child;
+  Child child = Child(nullptr);
   // In the combined table; stays as it is for a media leaf.
   std::uint32_t firstChildIndex = kNoChildren;
 
   using Leaf = Child;
   static NodeRecord ofLeaf(Child leaf) { return {leaf}; }
-  Child leaf() const { return child; }
 };
 
 using NodeTable = LinkedTable<NodeRecord>;

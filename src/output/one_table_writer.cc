@@ -1,16 +1,46 @@
 #include "output/one_table_writer.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <vector>
 
 #include "output/file_header.h"
+#include "output/linked_table_reader.h"
 #include "output/little_endian.h"
 #include "output/one_table_layout.h"
 #include "output/record_sink.h"
 #include "tree/child_view.h"
 #include "tree/huge_pages.h"
+#include "tree/prefetch.h"
 
 namespace Orvane {
+
+namespace {
+
+// What the records are filled from is all over the memory.
+void putTable(const NodeTable& table, const TrackTable* tracks, RecordSink& sink) {
+  constexpr std::size_t kRecordsAtATime = 1024;
+  LinkedTableReader<NodeRecord> reader(table);
+  std::vector<NodeRecord> records;
+  ChildView view(tracks);
+  using Block = std::vector<std::array<std::uint8_t, kNodeRecordSize>>;
+  sink.putBlocks<Block>(table.size(), [&](Block& block) {
+    reader.read(records, kRecordsAtATime,
+                [](std::uint32_t track) { return NodeRecord::ofLeaf(Child::ofTrack(track)); });
+    block.resize(records.size());
+    forEachPrefetched(
+        records.size(),
+        [&](std::size_t i) {
+          fillNodeRecord(view(records[i].child), block[i]);
+          storeU32(&block[i][0], records[i].firstChildIndex);
+        },
+        [&](std::size_t i) { view.expect(records[i].child, 0); },
+        [&](std::size_t i) { view.expect(records[i].child, 1); });
+  });
+}
+
+}  // namespace
 
 bool writeOneTable(const MenuTree& tree, Buffer& buffer) {
   NodeTable table;
@@ -25,13 +55,7 @@ bool writeOneTable(const MenuTree& tree, Buffer& buffer) {
   buffer.openForWrite();
   RecordSink sink(buffer);
   sink.putHeader(header);
-  std::array<std::uint8_t, kNodeRecordSize> bytes;
-  ChildView view(tree.getTrackTable());
-  table.forEach([&](const NodeRecord& record) {
-    fillNodeRecord(view(record.child), bytes);
-    storeU32(&bytes[0], record.firstChildIndex);
-    sink.put(bytes);
-  });
+  putTable(table, tree.getTrackTable(), sink);
   buffer.close();
   return true;
 }

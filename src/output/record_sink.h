@@ -1,10 +1,13 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
 #include "io/buffer.h"
 #include "output/inventory_format.h"
+#include "tree/made_ahead.h"
+#include "tree/parallel.h"
 
 namespace Orvane {
 
@@ -22,6 +25,24 @@ class RecordSink {
     static_assert(kFileHeaderSize == kTableDescriptorSize);
     for (; !header.empty(); header = header.subspan(kFileHeaderSize)) {
       put(header.first(kFileHeaderSize));
+    }
+  }
+
+  // The same for `count` records of which each call of `encodeNext(block)` encodes the next ones,
+  // by another thread where that is worth it; none when all are. A Block is a sequence of them.
+  template <typename Block, typename EncodeNext>
+  void putBlocks(std::size_t count, EncodeNext encodeNext) {
+    const auto encode = [&](Block& block) {
+      encodeNext(block);
+      return !block.empty();
+    };
+    const auto putBlock = [&](const Block& block) {
+      for (const auto& record : block) put(record);
+    };
+    if (workersFor(count) > 1) {
+      forEachMadeAhead<Block>(encode, putBlock);
+    } else {
+      for (Block block; encode(block);) putBlock(block);
     }
   }
 

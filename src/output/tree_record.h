@@ -18,7 +18,6 @@ struct TreeRecord {
 
   using Leaf = std::uint32_t;  // a leaf's data index
   static TreeRecord ofLeaf(Leaf leaf) { return {.dataIndex = leaf}; }
-  Leaf leaf() const { return dataIndex; }
 
   using Bytes = std::array<std::uint8_t, kTreeRecordSize>;
 

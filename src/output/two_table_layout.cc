@@ -1,5 +1,8 @@
 #include "output/two_table_layout.h"
 
+#include <algorithm>
+#include <span>
+
 #include "output/family_layout.h"
 #include "tree/child_view.h"
 #include "tree/prefetch.h"
@@ -30,13 +33,18 @@ class TwoTables {
     return treeTable_.append(record);
   }
 
-  void appendLeaf(std::uint32_t track) {
-    DataRecordIndex::OfTrack& known = idMap_.byTrack[track];
-    if (known.index == 0) {
-      const Child leaf = Child::ofTrack(track);
-      known.index = known.hash == 0 ? add(leaf) : findOrAdd(leaf, known.hash);
+  void appendLeaves(std::span<const std::uint32_t> tracks) {
+    treeTable_.appendLeaves(tracks);
+    if (idMap_.tracksWithoutRecord == 0) return;
+    const auto give = [&](std::size_t i) { giveRecord(tracks[i]); };
+    if (tracks.size() <= kFewLeaves) {
+      // They have been asked for.
+      for (std::size_t i = 0; i < tracks.size(); ++i) give(i);
+    } else {
+      forEachPrefetched(
+          tracks.size(), give, [&](std::size_t i) { expectLeaf(tracks[i]); },
+          [&](std::size_t i) { expectSearch(tracks[i]); });
     }
-    treeTable_.appendLeaf(known.index);
   }
 
   void setFirstChild(Link link, std::uint32_t index) { treeTable_.setFirstChild(link, index); }
@@ -53,16 +61,35 @@ class TwoTables {
     }
   }
 
-  void expectLeaf(std::uint32_t track, int step) const {
-    const DataRecordIndex::OfTrack& known = idMap_.byTrack[track];
-    if (step == 0) {
-      prefetch(&known);
-    } else if (known.hash != 0 && known.index == 0) {
-      idMap_.byNameAndId.expect(known.hash);
-    }
+  void expectLeaves(std::span<const std::uint32_t> tracks) const {
+    if (idMap_.tracksWithoutRecord == 0) return;
+    const auto first = tracks.first(std::min(tracks.size(), kFewLeaves));
+    for (const std::uint32_t track : first) expectLeaf(track);
   }
 
  private:
+  static constexpr std::size_t kFewLeaves = 64;
+
+  void expectLeaf(std::uint32_t track) const {
+    prefetch(&idMap_.records[track]);
+    prefetch(&idMap_.hashes[track]);
+  }
+
+  void expectSearch(std::uint32_t track) const {
+    if (idMap_.hashes[track] != 0 && idMap_.records[track] == 0) {
+      idMap_.byNameAndId.expect(idMap_.hashes[track]);
+    }
+  }
+
+  void giveRecord(std::uint32_t track) {
+    std::uint32_t& record = idMap_.records[track];
+    if (record != 0) return;
+    const Child leaf = Child::ofTrack(track);
+    const std::uint32_t hash = idMap_.hashes[track];
+    record = hash == 0 ? add(leaf) : findOrAdd(leaf, hash);
+    --idMap_.tracksWithoutRecord;
+  }
+
   std::uint32_t add(Child child) {
     dataTable_.push_back(child);
     return static_cast<std::uint32_t>(dataTable_.size() - 1);

@@ -9,9 +9,13 @@
 
 namespace Orvane {
 
+// How many items forEachMadeAhead holds at most: enough for the making to go on while the use of
+// one waits for the system, and few enough for small items to stay in the caches.
+inline constexpr std::size_t kMostMadeAhead = 16;
+
 // Calls `make(item)` again and again, as long as it returns true, and `use(item)` with each item so
 // made, in order. Where the system has a thread to spare, items are made in one of their own, while
-// the one before is used; `make` and `use` must then not look at what the other changes.
+// those before are used; `make` and `use` must then not look at what the other changes.
 //
 // What `make` throws is thrown when the items before have been used, what `use` throws at once. In
 // either case no call is under way any more, which takes as long as the last one does.
@@ -21,14 +25,14 @@ void forEachMadeAhead(Make make, Use use) {
     Item item;
     bool isLast = false;  // there is no item in here, nor after it
   };
-  std::array<Place, 2> places;
-  std::counting_semaphore<2> made(0);
-  std::counting_semaphore<2> free(2);
+  std::array<Place, kMostMadeAhead> places;
+  std::counting_semaphore<kMostMadeAhead> made(0);
+  std::counting_semaphore<kMostMadeAhead> free(kMostMadeAhead);
   std::atomic<bool> isGivenUp = false;
   std::exception_ptr failure;
 
   const auto makeAll = [&] {
-    for (std::size_t i = 0;; i ^= 1) {
+    for (std::size_t i = 0;; i = (i + 1) % kMostMadeAhead) {
       free.acquire();
       if (isGivenUp) return;
       try {
@@ -53,7 +57,7 @@ void forEachMadeAhead(Make make, Use use) {
   struct Joiner {
     std::thread& maker;
     std::atomic<bool>& isGivenUp;
-    std::counting_semaphore<2>& free;
+    std::counting_semaphore<kMostMadeAhead>& free;
     ~Joiner() {
       isGivenUp = true;
       free.release();
@@ -62,7 +66,7 @@ void forEachMadeAhead(Make make, Use use) {
   };
   {
     const Joiner joiner{maker, isGivenUp, free};
-    for (std::size_t i = 0;; i ^= 1) {
+    for (std::size_t i = 0;; i = (i + 1) % kMostMadeAhead) {
       made.acquire();
       if (places[i].isLast) break;
       use(places[i].item);

@@ -227,7 +227,6 @@ void MenuNode::appendLeaf(const TrackTable& tracks, std::uint32_t number) {
   }
   growNumbers();
   branch_->hasNumbers = true;
-  branch_->arena->countLeaf();
   branch_->numbers[branch_->count++] = number;
 }
 
@@ -242,7 +241,7 @@ void MenuNode::makeNodesOfNumbers() const {
   const TrackTable& tracks = *arena.getTrackTable();
   auto** const nodes = arena.makeArray<MenuNode*>(branch.capacity);
   for (std::size_t i = 0; i < branch.count; ++i) {
-    nodes[i] = arena.makeOfNumber();
+    nodes[i] = arena.make();
     nodes[i]->becomeLeafOf(*tracks[branch.numbers[i]]);
   }
   arena.giveBack(branch.numbers, branch.capacity);

@@ -36,7 +36,8 @@ class MenuTree {
   // in the tree: it has its memory to itself. The tree's track table has to be set before.
   MenuNode& appendApart();
 
-  // About how many nodes the tree has, counting leaves that are numbers: those that it made itself.
+  // About how many nodes the tree has: those that it made itself. Leaves that are numbers of tracks
+  // aren't counted.
   std::size_t nodeCountHint() const;
 
   // Lets the children of this tree's nodes be numbers of tracks in that table, which must outlive

@@ -18,15 +18,8 @@ class NodeArena {
   // A fresh node. It, its name and its children belong to the arena.
   MenuNode* make();
 
-  // A node for a leaf that was a number, and has been counted.
-  MenuNode* makeOfNumber() {
-    --nodeCount_;
-    return make();
-  }
-
-  // How many nodes it has made, and how many leaves are numbers instead.
+  // How many nodes it has made.
   std::size_t nodeCount() const { return nodeCount_; }
-  void countLeaf() { ++nodeCount_; }
 
   // Where numbers among the children are looked up: the first table that is set. Not owned.
   void setTrackTable(const TrackTable& tracks) {

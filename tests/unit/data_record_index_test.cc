@@ -1,6 +1,7 @@
 // Which tracks' leaves are looked for among the records of others.
 #include "output/data_record_index.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <array>
@@ -12,6 +13,8 @@
 
 namespace Orvane::test {
 namespace {
+
+using ::testing::ElementsAre;
 
 class TracksInATree : public ::testing::Test {
  protected:
@@ -34,8 +37,7 @@ class TracksInATree : public ::testing::Test {
 
 TEST_F(TracksInATree, OfIdsOfTheirOwnNeedNoSearch) {
   const DataRecordIndex index(tree_);
-  ASSERT_EQ(index.byTrack.size(), 4U);
-  for (const DataRecordIndex::OfTrack& track : index.byTrack) EXPECT_EQ(track.hash, 0U);
+  EXPECT_THAT(index.hashes, ElementsAre(0U, 0U, 0U, 0U));
 }
 
 TEST_F(TracksInATree, OfIdsOfTheirOwnAreNotEnteredForOthersToFind) {
@@ -47,20 +49,54 @@ TEST_F(TracksInATree, OfIdsOfTheirOwnAreNotEnteredForOthersToFind) {
   EXPECT_EQ(index.byNameAndId.findOrInsert(0, 99, [](std::uint32_t) { return true; }), 99U);
 }
 
+// Once all tracks have their records, leaves of theirs aren't looked at any more.
+TEST_F(TracksInATree, AreCountedUntilTheyHaveARecord) {
+  MenuNode& two = tree_.getRoot()->appendChild([](MenuNode&) {});
+  for (const std::uint32_t number : {3U, 1U, 3U}) two.appendLeaf(table_, number);
+  DataRecordIndex index(tree_);
+  EXPECT_EQ(index.tracksWithoutRecord, 3U);
+  TreeTable treeTable;
+  DataTable dataTable(1, tree_.root());
+  layoutChildren(&two, treeTable, dataTable, index);
+  EXPECT_EQ(index.tracksWithoutRecord, 1U);
+  EXPECT_THAT(index.records, ElementsAre(0U, 2U, 0U, 1U));
+  layoutChildren(&menu_, treeTable, dataTable, index);
+  EXPECT_EQ(index.tracksWithoutRecord, 0U);
+  EXPECT_THAT(index.records, ElementsAre(0U, 2U, 3U, 1U));
+  EXPECT_EQ(treeTable.size(), 6U);
+  index.hashes[1] = 1;  // would be looked for, and not found
+  layoutChildren(&menu_, treeTable, dataTable, index);
+  EXPECT_EQ(dataTable.size(), 4U);
+  EXPECT_EQ(treeTable.size(), 9U);
+}
+
+TEST_F(TracksInATree, KeepTheirRecordsWhenTheSearchEnds) {
+  DataRecordIndex index(tree_);
+  TreeTable treeTable;
+  DataTable dataTable(1, tree_.root());
+  layoutChildren(tree_.getRoot(), treeTable, dataTable, index);
+  index.endSearch();
+  EXPECT_EQ(index.hashes.capacity(), 0U);
+  EXPECT_EQ(index.byNameAndId.findOrInsert(DataRecordIndex::hashOf(menu_), 99,
+                                           [](std::uint32_t) { return true; }),
+            99U);
+  EXPECT_THAT(index.records, ElementsAre(0U, 2U, 3U, 4U));
+}
+
 TEST_F(TracksInATree, OfOneIdAreLookedFor) {
   tracks_[2].setMediaId(11);
   const DataRecordIndex index(tree_);
-  EXPECT_NE(index.byTrack[1].hash, 0U);
-  EXPECT_EQ(index.byTrack[2].hash, 0U);
-  EXPECT_EQ(index.byTrack[3].hash, index.byTrack[1].hash);
+  EXPECT_NE(index.hashes[1], 0U);
+  EXPECT_EQ(index.hashes[2], 0U);
+  EXPECT_EQ(index.hashes[3], index.hashes[1]);
 }
 
 TEST_F(TracksInATree, OfTheIdOfANodeAreLookedFor) {
   tree_.getRoot()->appendChild([](MenuNode& node) { node.setMediaId(12); });
   const DataRecordIndex index(tree_);
-  EXPECT_EQ(index.byTrack[1].hash, 0U);
-  EXPECT_NE(index.byTrack[2].hash, 0U);
-  EXPECT_EQ(index.byTrack[3].hash, 0U);
+  EXPECT_EQ(index.hashes[1], 0U);
+  EXPECT_NE(index.hashes[2], 0U);
+  EXPECT_EQ(index.hashes[3], 0U);
 }
 
 }  // namespace

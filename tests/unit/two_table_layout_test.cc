@@ -8,7 +8,9 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
+#include "output/linked_table_reader.h"
 #include "output/two_table_writer.h"
 #include "recording_buffer.h"
 #include "test_support.h"
@@ -319,9 +321,10 @@ TEST_F(TwoTableLayout, LayoutChildrenContinuesTablesThatAreNotEmpty) {
   EXPECT_EQ(layoutChildren(&root_, treeTable, dataTable, idMap), 3U);
   ASSERT_EQ(treeTable.size(), 4U);
   const auto lastDataIndex = [&] {
-    std::uint32_t last = 0;
-    treeTable.forEach([&](const TreeRecord& record) { last = record.dataIndex; });
-    return last;
+    std::vector<TreeRecord> records;
+    LinkedTableReader<TreeRecord>(treeTable).read(records, 100,
+                                                  [](std::uint32_t) { return TreeRecord(); });
+    return records.back().dataIndex;
   };
   EXPECT_EQ(lastDataIndex(), 2U);
   EXPECT_EQ(layoutChildren(&root_, treeTable, dataTable, idMap), 4U);

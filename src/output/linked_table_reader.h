@@ -1,0 +1,55 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "output/linked_table.h"
+
+namespace Orvane {
+
+// Gives the records of a LinkedTable in order. The table must outlive it and stay as it is.
+template <typename Record>
+class LinkedTableReader {
+ public:
+  explicit LinkedTableReader(const LinkedTable<Record>& table)
+      : table_(table),
+        leaf_(table.leaves_.begin()),
+        run_(table.runs_.begin()),
+        linked_(table.linked_.begin()) {}
+
+  // Replaces `records` by the next ones, at most `most`; by none at the end. `ofTrack` gives the
+  // record of a leaf that is a track's number.
+  template <typename OfTrack>
+  void read(std::vector<Record>& records, std::size_t most, OfTrack ofTrack) {
+    const std::size_t count = std::min<std::size_t>(most, table_.size() - at_);
+    const auto end = static_cast<std::uint32_t>(at_ + count);
+    records.resize(count);
+    auto record = records.begin();
+    while (at_ < end) {
+      if (linked_ != table_.linked_.end() && linked_->position == at_) {
+        *record++ = linked_++->record;
+        ++at_;
+      } else if (run_ != table_.runs_.end() && run_->begin <= at_) {
+        const std::uint32_t runEnd = std::min(run_->end, end);
+        while (at_ < runEnd) *record++ = ofTrack(run_->tracks[at_++ - run_->begin]);
+        if (at_ == run_->end) ++run_;
+      } else {
+        *record++ = Record::ofLeaf(*leaf_++);
+        ++at_;
+      }
+    }
+  }
+
+ private:
+  using Table = LinkedTable<Record>;
+
+  const Table& table_;
+  typename LargeVector<typename Table::Leaf>::const_iterator leaf_;
+  typename LargeVector<typename Table::Run>::const_iterator run_;
+  typename LargeVector<typename Table::Linked>::const_iterator linked_;
+  std::uint32_t at_ = 0;
+};
+
+}  // namespace Orvane
