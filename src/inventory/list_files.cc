@@ -35,10 +35,14 @@ bool reportUnopened(const LineReader& reader, const char* path) {
 
 void addTracks(TrackManager& manager, const TrackBatch& batch, LaterTracks& laterTracks) {
   const std::span<const TrackIds> allIds = batch.ids();
-  for (std::size_t i = 0; i < allIds.size(); ++i) {
-    if (i % kLinesAtATime == 0) {
+  const auto expectFrom = [&](std::size_t i) {
+    if (i < allIds.size()) {
       manager.expectTracks(allIds.subspan(i, std::min(kLinesAtATime, allIds.size() - i)));
     }
+  };
+  expectFrom(0);
+  for (std::size_t i = 0; i < allIds.size(); ++i) {
+    if (i % kLinesAtATime == 0) expectFrom(i + kLinesAtATime);
     const TrackBatch::Texts& texts = batch.texts()[i];
     const TrackIds& ids = allIds[i];
     const Track* const track =

@@ -63,6 +63,7 @@ DataRecordIndex::DataRecordIndex(const MenuTree& tree) {
       if (!ids.mayRecur(tracks[i]->getMediaId())) continue;
       leaf.becomeLeafOf(*tracks[i]);
       hashes[i] = hashOf(leaf);
+      records[i] = kToBeSearched;
     }
   });
 }
@@ -73,8 +74,7 @@ std::string_view DataRecordIndex::comparedName(const MenuNode& node) {
 }
 
 std::uint32_t DataRecordIndex::hashOf(const MenuNode& node) {
-  constexpr std::uint32_t kNotZero = 0x80000000;
-  return hashNameAndId(comparedName(node), node.getMediaId()) | kNotZero;
+  return hashNameAndId(comparedName(node), node.getMediaId());
 }
 
 }  // namespace Orvane

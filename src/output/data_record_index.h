@@ -19,7 +19,7 @@ struct DataRecordIndex {
   // What of a node's name is compared.
   static std::string_view comparedName(const MenuNode& node);
 
-  // The hash of a node's name and id; never 0.
+  // The hash of a node's name and id.
   static std::uint32_t hashOf(const MenuNode& node);
 
   // Forgets what only finds records for further children.
@@ -30,10 +30,11 @@ struct DataRecordIndex {
 
   PositionIndex byNameAndId;
 
-  // Of each track's leaves, by its number: the hash, 0 where nothing else in the tree has its id,
-  // and the data record that they share, 0 where there is none yet.
-  LargeVector<std::uint32_t> hashes;
+  // Of each track, by its number, the data record that its leaves share. As long as it has none: 0,
+  // or, where something else in the tree has its id, kToBeSearched, and what it is searched by.
+  static constexpr std::uint32_t kToBeSearched = 0xFFFFFFFF;
   LargeVector<std::uint32_t> records;
+  LargeVector<std::uint32_t> hashes;
   std::size_t tracksWithoutRecord = 0;
 };
 

@@ -27,8 +27,10 @@ namespace Orvane {
 //                                                     those of children that are tracks' numbers
 //   void setFirstChild(Link, std::uint32_t index);    links that record to its children
 //   bool isDeferred(const MenuNode& child) const;     see below
-//   void expect(MenuNode& child, int step);           asks for what append(child), soon to come,
-//                                                     looks at, in three steps
+//   void expect(MenuNode& child, int step);           asks for what append(child) looks at, in
+//                                                     three steps: each is taken for all of a
+//                                                     node's children that are nodes, in their
+//                                                     order, the last fewer than 32 before append
 //   void expectLeaves(std::span<const std::uint32_t> tracks);
 //                                                     the same for appendLeaves(tracks)
 //

@@ -41,7 +41,8 @@ class LinkedTable {
   }
 
   // Appends those of tracks' leaves. The numbers stay where they are, and must until the records
-  // have been read.
+  // have been read. Fewer than kLeastRun take less when they are appended one by one.
+  static constexpr std::size_t kLeastRun = 4;
   void appendLeaves(std::span<const std::uint32_t> tracks) {
     const std::uint32_t sizeAfter = sizeWith(tracks.size());
     runs_.push_back({tracks.data(), size_, sizeAfter});

@@ -21,7 +21,13 @@ class OneTable {
     return child.getNodeType() == NODE_TYPE_MEDIA ? table_.appendLeaf(place)
                                                   : table_.append({place});
   }
-  void appendLeaves(std::span<const std::uint32_t> tracks) { table_.appendLeaves(tracks); }
+  void appendLeaves(std::span<const std::uint32_t> tracks) {
+    if (tracks.size() >= NodeTable::kLeastRun) {
+      table_.appendLeaves(tracks);
+    } else {
+      for (const std::uint32_t track : tracks) table_.appendLeaf(Child::ofTrack(track));
+    }
+  }
   void setFirstChild(Link link, std::uint32_t index) { table_.setFirstChild(link, index); }
   static bool isDeferred(const MenuNode& /*child*/) { return false; }
   static void expect(const MenuNode& child, int step) {

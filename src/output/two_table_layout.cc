@@ -1,6 +1,9 @@
 #include "output/two_table_layout.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
 #include <span>
 
 #include "output/family_layout.h"
@@ -26,7 +29,7 @@ class TwoTables {
   std::uint32_t size() const { return treeTable_.size(); }
 
   Link append(MenuNode& node) {
-    TreeRecord record{.dataIndex = findOrAdd(Child(&node), DataRecordIndex::hashOf(node))};
+    TreeRecord record{.dataIndex = findOrAdd(Child(&node), takeExpectedHash())};
     const bool isLeaf = node.getNodeType() == NODE_TYPE_MEDIA && node.childCount() == 0;
     if (isLeaf && !isDeferred(node)) return treeTable_.appendLeaf(record.dataIndex);
     fillTreeRecord(node, record);
@@ -34,6 +37,13 @@ class TwoTables {
   }
 
   void appendLeaves(std::span<const std::uint32_t> tracks) {
+    if (tracks.size() < TreeTable::kLeastRun) {
+      for (const std::uint32_t track : tracks) {
+        giveRecord(track);
+        treeTable_.appendLeaf(idMap_.records[track]);
+      }
+      return;
+    }
     treeTable_.appendLeaves(tracks);
     if (idMap_.tracksWithoutRecord == 0) return;
     const auto give = [&](std::size_t i) { giveRecord(tracks[i]); };
@@ -42,7 +52,7 @@ class TwoTables {
       for (std::size_t i = 0; i < tracks.size(); ++i) give(i);
     } else {
       forEachPrefetched(
-          tracks.size(), give, [&](std::size_t i) { expectLeaf(tracks[i]); },
+          tracks.size(), give, [&](std::size_t i) { prefetch(&idMap_.records[tracks[i]]); },
           [&](std::size_t i) { expectSearch(tracks[i]); });
     }
   }
@@ -57,36 +67,36 @@ class TwoTables {
     if (step < 2) {
       view_.expect(Child(&node), step);
     } else {
-      idMap_.byNameAndId.expect(DataRecordIndex::hashOf(node));
+      const std::uint32_t hash = DataRecordIndex::hashOf(node);
+      idMap_.byNameAndId.expect(hash);
+      expectedHashes_[expected_++ % kMostExpected] = hash;
     }
   }
 
   void expectLeaves(std::span<const std::uint32_t> tracks) const {
-    if (idMap_.tracksWithoutRecord == 0) return;
     const auto first = tracks.first(std::min(tracks.size(), kFewLeaves));
-    for (const std::uint32_t track : first) expectLeaf(track);
+    for (const std::uint32_t track : first) prefetch(&idMap_.records[track]);
   }
 
  private:
   static constexpr std::size_t kFewLeaves = 64;
+  static constexpr std::size_t kMostExpected = 32;
 
-  void expectLeaf(std::uint32_t track) const {
-    prefetch(&idMap_.records[track]);
-    prefetch(&idMap_.hashes[track]);
-  }
+  // Nodes are laid out in the order in which they were expected.
+  std::uint32_t takeExpectedHash() { return expectedHashes_[taken_++ % kMostExpected]; }
 
   void expectSearch(std::uint32_t track) const {
-    if (idMap_.hashes[track] != 0 && idMap_.records[track] == 0) {
-      idMap_.byNameAndId.expect(idMap_.hashes[track]);
-    }
+    if (idMap_.records[track] != DataRecordIndex::kToBeSearched) return;
+    idMap_.byNameAndId.expect(idMap_.hashes[track]);
   }
 
+  // Sees to it that the track's leaves have a data record.
   void giveRecord(std::uint32_t track) {
     std::uint32_t& record = idMap_.records[track];
-    if (record != 0) return;
+    const bool isNew = record == 0;
+    if (!isNew && record != DataRecordIndex::kToBeSearched) return;
     const Child leaf = Child::ofTrack(track);
-    const std::uint32_t hash = idMap_.hashes[track];
-    record = hash == 0 ? add(leaf) : findOrAdd(leaf, hash);
+    record = isNew ? add(leaf) : findOrAdd(leaf, idMap_.hashes[track]);
     --idMap_.tracksWithoutRecord;
   }
 
@@ -112,6 +122,9 @@ class TwoTables {
   TreeTable& treeTable_;
   DataTable& dataTable_;
   DataRecordIndex& idMap_;
+  std::array<std::uint32_t, kMostExpected> expectedHashes_{};
+  std::size_t expected_ = 0;
+  std::size_t taken_ = 0;
 };
 
 }  // namespace

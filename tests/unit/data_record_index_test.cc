@@ -16,6 +16,8 @@ namespace {
 
 using ::testing::ElementsAre;
 
+constexpr std::uint32_t kToBeSearched = DataRecordIndex::kToBeSearched;
+
 class TracksInATree : public ::testing::Test {
  protected:
   TracksInATree() {
@@ -37,7 +39,7 @@ class TracksInATree : public ::testing::Test {
 
 TEST_F(TracksInATree, OfIdsOfTheirOwnNeedNoSearch) {
   const DataRecordIndex index(tree_);
-  EXPECT_THAT(index.hashes, ElementsAre(0U, 0U, 0U, 0U));
+  EXPECT_THAT(index.records, ElementsAre(0U, 0U, 0U, 0U));
 }
 
 TEST_F(TracksInATree, OfIdsOfTheirOwnAreNotEnteredForOthersToFind) {
@@ -53,6 +55,8 @@ TEST_F(TracksInATree, OfIdsOfTheirOwnAreNotEnteredForOthersToFind) {
 TEST_F(TracksInATree, AreCountedUntilTheyHaveARecord) {
   MenuNode& two = tree_.getRoot()->appendChild([](MenuNode&) {});
   for (const std::uint32_t number : {3U, 1U, 3U}) two.appendLeaf(table_, number);
+  MenuNode& four = tree_.getRoot()->appendChild([](MenuNode&) {});
+  for (const std::uint32_t number : {1U, 2U, 3U, 1U}) four.appendLeaf(table_, number);
   DataRecordIndex index(tree_);
   EXPECT_EQ(index.tracksWithoutRecord, 3U);
   TreeTable treeTable;
@@ -63,11 +67,10 @@ TEST_F(TracksInATree, AreCountedUntilTheyHaveARecord) {
   layoutChildren(&menu_, treeTable, dataTable, index);
   EXPECT_EQ(index.tracksWithoutRecord, 0U);
   EXPECT_THAT(index.records, ElementsAre(0U, 2U, 3U, 1U));
-  EXPECT_EQ(treeTable.size(), 6U);
-  index.hashes[1] = 1;  // would be looked for, and not found
-  layoutChildren(&menu_, treeTable, dataTable, index);
+  index.records[1] = 0;  // would get another one
+  layoutChildren(&four, treeTable, dataTable, index);
   EXPECT_EQ(dataTable.size(), 4U);
-  EXPECT_EQ(treeTable.size(), 9U);
+  EXPECT_EQ(treeTable.size(), 10U);
 }
 
 TEST_F(TracksInATree, KeepTheirRecordsWhenTheSearchEnds) {
@@ -86,17 +89,14 @@ TEST_F(TracksInATree, KeepTheirRecordsWhenTheSearchEnds) {
 TEST_F(TracksInATree, OfOneIdAreLookedFor) {
   tracks_[2].setMediaId(11);
   const DataRecordIndex index(tree_);
-  EXPECT_NE(index.hashes[1], 0U);
-  EXPECT_EQ(index.hashes[2], 0U);
+  EXPECT_THAT(index.records, ElementsAre(0U, kToBeSearched, 0U, kToBeSearched));
   EXPECT_EQ(index.hashes[3], index.hashes[1]);
 }
 
 TEST_F(TracksInATree, OfTheIdOfANodeAreLookedFor) {
   tree_.getRoot()->appendChild([](MenuNode& node) { node.setMediaId(12); });
   const DataRecordIndex index(tree_);
-  EXPECT_EQ(index.hashes[1], 0U);
-  EXPECT_NE(index.hashes[2], 0U);
-  EXPECT_EQ(index.hashes[3], 0U);
+  EXPECT_THAT(index.records, ElementsAre(0U, 0U, kToBeSearched, 0U));
 }
 
 }  // namespace
