@@ -51,7 +51,7 @@ void insertAndOrder(benchmark::State& state) {
   Entries entries;
   makeEntries(bench::sizeOf(state), entries);
   while (state.KeepRunning()) {
-    Orvane::CategoryIndex index(Orvane::CategoryIndex::Order::kByName);
+    Orvane::CategoryIndex index;
     insert(entries, index);
     benchmark::DoNotOptimize(index.tracksInOrder());
   }
@@ -63,7 +63,7 @@ BENCHMARK(insertAndOrder<renamedAlways>)->Apply(bench::sizes);
 void orderOnly(benchmark::State& state) {
   Entries entries;
   namedOnce(bench::sizeOf(state), entries);
-  Orvane::CategoryIndex index(Orvane::CategoryIndex::Order::kByName);
+  Orvane::CategoryIndex index;
   insert(entries, index);
   while (state.KeepRunning()) benchmark::DoNotOptimize(index.tracksInOrder());
   bench::countItems(state);

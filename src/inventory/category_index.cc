@@ -6,12 +6,11 @@
 #include <utility>
 
 #include "inventory/name_folding.h"
-#include "tree/name_bytes.h"
+#include "tree/name_ranks.h"
 
 namespace Orvane {
 
 bool CategoryIndex::orders(std::uint32_t a, std::uint32_t b) const {
-  if (order_ == Order::kByNumber) return names_[a].id < names_[b].id;
   return names_[a].folded() < names_[b].folded();
 }
 
@@ -72,7 +71,15 @@ void CategoryIndex::insert(const NamedId& entry, std::uint32_t track) {
 }
 
 void CategoryIndex::insert(std::uint32_t id, std::uint32_t track) {
-  add(enterId(id), track);
+  const std::uint32_t position = enterId(id);
+  Name& name = names_[position];
+  if (name.size == 0) {
+    const std::array<char, 4> bytes = {static_cast<char>(id >> 24), static_cast<char>(id >> 16),
+                                       static_cast<char>(id >> 8), static_cast<char>(id)};
+    name.foldedBytes = foldedNames_.keep({bytes.data(), bytes.size()}).data();
+    name.size = bytes.size();
+  }
+  add(position, track);
 }
 
 const NamedId* CategoryIndex::find(std::uint32_t id) const {
@@ -88,34 +95,18 @@ LargeVector<std::uint32_t> CategoryIndex::tracksInOrder() const {
     return tracks;
   }
 
-  // There are far fewer names than entries: order the names, then count the entries into place.
-  struct Key {
-    std::uint64_t first;  // what the names' order mostly shows in
-    std::uint32_t name;
-  };
-  LargeVector<Key> byName;
-  byName.reserve(names_.size());
-  for (const Name& name : names_) {
-    const bool byNumber = order_ == Order::kByNumber;
-    byName.push_back({byNumber ? name.id : nameBytesAt(name.folded(), 0),
-                      static_cast<std::uint32_t>(byName.size())});
-  }
-  const auto comesBefore = [this](const Key& a, const Key& b) {
-    return a.first != b.first ? a.first < b.first : orders(a.name, b.name);
-  };
-  std::sort(byName.begin(), byName.end(), comesBefore);
-  LargeVector<std::uint32_t> rank(names_.size());
-  std::uint32_t ranks = 0;
-  for (std::size_t i = 0; i < byName.size(); ++i) {
-    if (i > 0 && comesBefore(byName[i - 1], byName[i])) ++ranks;
-    rank[byName[i].name] = ranks;
-  }
-  LargeVector<std::size_t> place(names_.size() + 1);
-  entries_.forEach([&](std::uint32_t name, std::uint32_t) { ++place[rank[name] + 1]; });
+  // There are far fewer names than entries: rank the names, then count the entries into place.
+  NameRanks ranks;
+  ranks.reserve(names_.size(), static_cast<std::uint32_t>(names_.size()));
+  std::uint32_t position = 0;
+  for (const Name& name : names_) ranks.add(position++, name.folded());
+  ranks.rank();
+  LargeVector<std::size_t> place(names_.size() + 2);  // by rank, the first of which is 1
+  entries_.forEach([&](std::uint32_t name, std::uint32_t) { ++place[ranks[name] + 1]; });
   std::partial_sum(place.begin(), place.end(), place.begin());
   tracks.resize(entries_.size());
   entries_.forEach(
-      [&](std::uint32_t name, std::uint32_t track) { tracks[place[rank[name]]++] = track; });
+      [&](std::uint32_t name, std::uint32_t track) { tracks[place[ranks[name]]++] = track; });
   return tracks;
 }
 

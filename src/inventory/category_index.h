@@ -28,9 +28,7 @@ namespace Orvane {
 // which is how the order is then found; from the first such change on, a multimap is kept.
 class CategoryIndex {
  public:
-  enum class Order { kByName, kByNumber };
-
-  explicit CategoryIndex(Order order) : order_(order) {}
+  CategoryIndex() = default;
   CategoryIndex(const CategoryIndex&) = delete;
   CategoryIndex& operator=(const CategoryIndex&) = delete;
 
@@ -38,7 +36,7 @@ class CategoryIndex {
   // the next clear().
   void insert(const NamedId& entry, std::uint32_t track);
 
-  // The same where ids have no names: for an order by number.
+  // The same where ids have no names, and are ordered as numbers. Not both in one index.
   void insert(std::uint32_t id, std::uint32_t track);
 
   // Ask, in this order and each in time for the next, for what find(id) looks at: the id's entry,
@@ -56,8 +54,8 @@ class CategoryIndex {
     prefetch(reinterpret_cast<const char*>(name.named + 1) + name.size);
   }
 
-  // What the id was last entered with, nullptr if it never was, or if the order is by number. Not
-  // for several threads: it remembers what it has found.
+  // What the id was last entered with, nullptr if it never was, or has no name. Not for several
+  // threads: it remembers what it has found.
   const NamedId* find(std::uint32_t id) const;
 
   // The track numbers of all entries, in order.
@@ -76,9 +74,9 @@ class CategoryIndex {
 
  private:
   struct Name {
-    const NamedId* named = nullptr;     // nullptr when the order is by number
-    const char* foldedBytes = nullptr;  // of the name; likewise
-    std::uint32_t size = 0;             // of either
+    const NamedId* named = nullptr;     // nullptr where ids have no names
+    const char* foldedBytes = nullptr;  // of the name; otherwise of the id, the highest first
+    std::uint32_t size = 0;             // of them
     std::uint32_t id = 0;
 
     std::string_view folded() const { return {foldedBytes, size}; }
@@ -100,7 +98,6 @@ class CategoryIndex {
   void add(std::uint32_t position, std::uint32_t track);
   void placeEntries();
 
-  Order order_;
   LargeVector<Name> names_;
   IdMap<std::uint32_t, kUnknown> nameById_;  // id to position in names_
   // What positionOf() has found, each in the place of its id's last bits: an id is asked for its

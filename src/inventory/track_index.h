@@ -96,10 +96,10 @@ class TrackIndex {
   bool hasOwnList_ = false;
   LargeVector<const Track*> ownList_;
   IdMap<Number, 0xFFFFFFFF> tracksById_;
-  CategoryIndex genres_{CategoryIndex::Order::kByName};
-  CategoryIndex artists_{CategoryIndex::Order::kByName};
-  CategoryIndex albums_{CategoryIndex::Order::kByName};
-  CategoryIndex ratings_{CategoryIndex::Order::kByNumber};
+  CategoryIndex genres_;
+  CategoryIndex artists_;
+  CategoryIndex albums_;
+  CategoryIndex ratings_;
 };
 
 }  // namespace Orvane

@@ -106,12 +106,24 @@ class ChildSorter {
                    [](const Ranked& entry) { return entry.track; });
   }
 
+  // A child with the first bytes of its name, or, when there are many, with the name's rank.
+  struct Named {
+    std::uint64_t bytes;
+    MenuNode* node;
+  };
+
+  static void replaceByRanks(std::span<Named> named) {
+    NameRanks ranks;
+    ranks.reserve(named.size(), static_cast<std::uint32_t>(named.size()));
+    std::uint32_t number = 0;
+    for (const Named& entry : named) ranks.add(number++, entry.node->getName());
+    ranks.rank();
+    number = 0;
+    for (Named& entry : named) entry.bytes = ranks[number++];
+  }
+
   // With the first bytes of each name at hand, few names have to be looked at.
   static void sortByName(MenuNode& menu) {
-    struct Named {
-      std::uint64_t bytes;
-      MenuNode* node;
-    };
     const MenuNode::Position children = menu.childrenBegin();
     LargeVector<Named> named;
     named.reserve(menu.childCount());
@@ -122,9 +134,14 @@ class ChildSorter {
         },
         [&](std::size_t i) { prefetch(children[i]); },
         [&](std::size_t i) { children[i]->prefetchContent(); });
-    std::sort(named.begin(), named.end(), [](const Named& a, const Named& b) {
-      return a.bytes != b.bytes ? a.bytes < b.bytes : a.node->getName() < b.node->getName();
-    });
+    if (named.size() < kLarge) {
+      std::sort(named.begin(), named.end(), [](const Named& a, const Named& b) {
+        return a.bytes != b.bytes ? a.bytes < b.bytes : a.node->getName() < b.node->getName();
+      });
+    } else {
+      replaceByRanks(named);
+      sortByKey(std::span(named), [](const Named& entry) { return entry.bytes; });
+    }
     std::transform(named.begin(), named.end(), children,
                    [](const Named& entry) { return entry.node; });
   }

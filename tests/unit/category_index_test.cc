@@ -101,7 +101,7 @@ class NamedCategory : public ::testing::Test {
     return entry;
   }
 
-  CategoryIndex index_{CategoryIndex::Order::kByName};
+  CategoryIndex index_;
   std::deque<std::string> names_;
   std::deque<NamedId> entries_;
   std::uint32_t nextTrack_ = 0;
@@ -205,7 +205,7 @@ TEST_F(CategoryIndexChanges, OfNamesAfterManyEntries) {
 }
 
 TEST(CategoryIndex, OfNothingHasNothing) {
-  const CategoryIndex index(CategoryIndex::Order::kByName);
+  const CategoryIndex index;
   EXPECT_THAT(index.tracksInOrder(), IsEmpty());
   EXPECT_THAT(index.tracksOf(1), IsEmpty());
   EXPECT_EQ(index.find(1), nullptr);
@@ -248,16 +248,18 @@ TEST_F(NamedCategory, EmptyNamesComeFirst) {
 }
 
 TEST(CategoryIndex, ByNumberTakesNoNames) {
-  CategoryIndex index(CategoryIndex::Order::kByNumber);
+  CategoryIndex index;
   std::uint32_t track = 0;
-  for (const std::uint32_t id : {10U, 9U, 4294967295U, 9U, 1U}) index.insert(id, track++);
-  EXPECT_THAT(index.tracksInOrder(), ElementsAre(4, 1, 3, 0, 2));
+  for (const std::uint32_t id : {10U, 9U, 4294967295U, 9U, 256U, 1U, 65536U}) {
+    index.insert(id, track++);
+  }
+  EXPECT_THAT(index.tracksInOrder(), ElementsAre(5, 1, 3, 0, 4, 6, 2));
   EXPECT_EQ(index.find(9), nullptr);
   const std::vector<std::uint32_t> tracks{1, 2};
   index.eraseTracks(tracks);
-  EXPECT_THAT(index.tracksInOrder(), ElementsAre(4, 3, 0));
-  index.insert(5, 5);
-  EXPECT_THAT(index.tracksInOrder(), ElementsAre(4, 5, 3, 0));
+  EXPECT_THAT(index.tracksInOrder(), ElementsAre(5, 3, 0, 4, 6));
+  index.insert(5, 7);
+  EXPECT_THAT(index.tracksInOrder(), ElementsAre(5, 7, 3, 0, 4, 6));
 }
 
 }  // namespace

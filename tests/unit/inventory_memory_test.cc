@@ -28,7 +28,7 @@ TEST(InventoryMemory, EntriesOfTracksThatCountUpTakeTheirPlacesOnly) {
 void expectRenamedWithoutMemory(std::string_view before, std::string_view after) {
   const NamedId first(5, before);
   const NamedId second(5, after);
-  CategoryIndex index(CategoryIndex::Order::kByName);
+  CategoryIndex index;
   index.insert(first, 1);
   const LimitedAllocations none(0);
   index.insert(second, 2);

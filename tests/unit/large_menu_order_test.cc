@@ -20,12 +20,8 @@ struct Song {
   std::uint32_t mediaId;
 };
 
-// The songs in the order of sortTree, and in that of std::sort by title.
-void expectSorted(const std::vector<Song>& songs) {
-  TrackManager manager;
-  for (const Song& song : songs) addSong(manager, song.mediaId, song.title);
-  MenuTree tree;
-  buildMenuFromInventory(manager, tree);
+// The songs of the tree's menu, once in the order of sortTree, and in that of std::sort by title.
+void expectSorted(const std::vector<Song>& songs, MenuTree& tree) {
   MenuTree::sortTree(tree.getRoot());
   MenuNode::Position menu = nullptr;
   ASSERT_TRUE(tree.getRoot()->findChildByName(menu, "Songs"));
@@ -41,6 +37,21 @@ void expectSorted(const std::vector<Song>& songs) {
     ASSERT_EQ((*leaf)->getMediaId(), song->mediaId);
     ++leaf;
   }
+}
+
+// Leaves that are numbers of tracks, then leaves that are nodes.
+void expectSorted(const std::vector<Song>& songs) {
+  {
+    TrackManager manager;
+    for (const Song& song : songs) addSong(manager, song.mediaId, song.title);
+    MenuTree tree;
+    buildMenuFromInventory(manager, tree);
+    expectSorted(songs, tree);
+  }
+  MenuTree tree;
+  MenuNode& menu = addMenu(*tree.getRoot(), 0, "Songs");
+  for (const Song& song : songs) addMedia(menu, song.mediaId, song.title);
+  expectSorted(songs, tree);
 }
 
 // `count` songs in random order; `titles` songs in turn have titles of their own.
