@@ -21,7 +21,7 @@ void layoutTwoTables(benchmark::State& state) {
   const bench::SampleTree sample(bench::sizeOf(state));
   while (state.KeepRunning()) {
     Orvane::TreeTable treeTable;
-    Orvane::DataTable dataTable;
+    Orvane::DataTable dataTable(1, sample.tree.root());
     Orvane::DataRecordIndex idMap(sample.tree);
     Orvane::layoutChildren(sample.tree.getRoot(), treeTable, dataTable, idMap);
     benchmark::DoNotOptimize(treeTable.size());

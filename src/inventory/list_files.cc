@@ -54,7 +54,8 @@ void addTracks(TrackManager& manager, const TrackBatch& batch, LaterTracks& late
 
 void readTracks(TrackManager& manager, const char* path, LaterTracks& laterTracks) {
   constexpr std::size_t kFirstLines = 8192;
-  constexpr std::size_t kBatchLines = 128;
+  constexpr std::size_t kBatchLines = 256;
+  constexpr std::size_t kBatches = 4;  // lines may be long
 
   LineReader reader(path);
   if (reportUnopened(reader, path)) return;
@@ -74,7 +75,7 @@ void readTracks(TrackManager& manager, const char* path, LaterTracks& laterTrack
   // As many of the lines will be tracks as of those so far.
   const std::size_t tracks = trackCount() - tracksBefore;
   manager.expectTracks(reader.expectedLines() * tracks / reader.lineNumber());
-  forEachMadeAhead<TrackBatch>(
+  forEachMadeAhead<TrackBatch, kBatches>(
       [&](TrackBatch& batch) {
         if (reader.atEnd()) return false;
         batch.read(reader, path, kBatchLines, true);

@@ -44,6 +44,7 @@ class LinkedTable {
   // have been read. Fewer than kLeastRun take less when they are appended one by one.
   static constexpr std::size_t kLeastRun = 4;
   void appendLeaves(std::span<const std::uint32_t> tracks) {
+    if (tracks.empty()) return;
     const std::uint32_t sizeAfter = sizeWith(tracks.size());
     runs_.push_back({tracks.data(), size_, sizeAfter});
     size_ = sizeAfter;

@@ -15,7 +15,8 @@ namespace Orvane {
 using DataTable = LargeVector<Child>;
 
 // Lays out the descendants of `node` behind what the tables hold and returns the tree index of its
-// first child record (kNoChildren for nullptr and for a media leaf).
+// first child record (kNoChildren for nullptr and for a media leaf). The data table's first record,
+// which nothing shares, must be there already where children are numbers of tracks.
 //
 // Nodes with equal mediaId and equal name share the data record of the first of them, whatever else
 // differs. Names are equal when their stored 64 bytes are, up to the first zero byte.

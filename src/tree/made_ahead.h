@@ -9,30 +9,33 @@
 
 namespace Orvane {
 
-// How many items forEachMadeAhead holds at most: enough for the making to go on while the use of
-// one waits for the system, and few enough for small items to stay in the caches.
-inline constexpr std::size_t kMostMadeAhead = 16;
+// Enough items for the making to go on while the use of one waits for the system, and few enough to
+// stay in the caches, if they are small.
+inline constexpr std::size_t kManyAhead = 16;
 
 // Calls `make(item)` again and again, as long as it returns true, and `use(item)` with each item so
 // made, in order. Where the system has a thread to spare, items are made in one of their own, while
-// those before are used; `make` and `use` must then not look at what the other changes.
+// those before are used; `make` and `use` must then not look at what the other changes. At most
+// kMost items are there at a time.
 //
 // What `make` throws is thrown when the items before have been used, what `use` throws at once. In
 // either case no call is under way any more, which takes as long as the last one does.
-template <typename Item, typename Make, typename Use>
+template <typename Item, std::size_t kMost = kManyAhead, typename Make, typename Use>
 void forEachMadeAhead(Make make, Use use) {
   struct Place {
     Item item;
     bool isLast = false;  // there is no item in here, nor after it
   };
-  std::array<Place, kMostMadeAhead> places;
-  std::counting_semaphore<kMostMadeAhead> made(0);
-  std::counting_semaphore<kMostMadeAhead> free(kMostMadeAhead);
+  std::array<Place, kMost> places;
+  constexpr auto kPlaces = static_cast<std::ptrdiff_t>(kMost);
+  using Semaphore = std::counting_semaphore<kPlaces>;
+  Semaphore made(0);
+  Semaphore free(kPlaces);
   std::atomic<bool> isGivenUp = false;
   std::exception_ptr failure;
 
   const auto makeAll = [&] {
-    for (std::size_t i = 0;; i = (i + 1) % kMostMadeAhead) {
+    for (std::size_t i = 0;; i = (i + 1) % kMost) {
       free.acquire();
       if (isGivenUp) return;
       try {
@@ -57,7 +60,7 @@ void forEachMadeAhead(Make make, Use use) {
   struct Joiner {
     std::thread& maker;
     std::atomic<bool>& isGivenUp;
-    std::counting_semaphore<kMostMadeAhead>& free;
+    Semaphore& free;
     ~Joiner() {
       isGivenUp = true;
       free.release();
@@ -66,7 +69,7 @@ void forEachMadeAhead(Make make, Use use) {
   };
   {
     const Joiner joiner{maker, isGivenUp, free};
-    for (std::size_t i = 0;; i = (i + 1) % kMostMadeAhead) {
+    for (std::size_t i = 0;; i = (i + 1) % kMost) {
       made.acquire();
       if (places[i].isLast) break;
       use(places[i].item);

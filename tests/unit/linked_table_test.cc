@@ -58,6 +58,7 @@ TEST_F(LinkedTables, KeepTheOrderOfAllKinds) {
   table_.appendLeaves(std::span(tracks).first(3));
   table_.appendLeaves(std::span(tracks).last(2));
   table_.appendLeaf(2);
+  table_.appendLeaves({});
   table_.append({3});
   table_.append({4});
   table_.appendLeaves({});

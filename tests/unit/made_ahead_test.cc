@@ -64,14 +64,14 @@ TEST(MadeAhead, DoesWithoutAThreadWhenMemoryRunsOut) {
 TEST(MadeAhead, ItemsAreMadeAnewInTheSamePlaces) {
   int made = 0;
   std::vector<std::size_t> sizes;
-  forEachMadeAhead<std::vector<int>>(
+  forEachMadeAhead<std::vector<int>, 3>(
       [&](std::vector<int>& item) {
         item.push_back(0);
         return ++made <= 40;
       },
       [&](const std::vector<int>& item) { sizes.push_back(item.size()); });
   ASSERT_EQ(sizes.size(), 40U);
-  for (std::size_t i = 0; i < sizes.size(); ++i) ASSERT_EQ(sizes[i], 1 + i / kMostMadeAhead);
+  for (std::size_t i = 0; i < sizes.size(); ++i) ASSERT_EQ(sizes[i], 1 + i / 3);
 }
 
 TEST(MadeAhead, WhatMakingThrowsComesAfterTheItemsBefore) {
@@ -100,7 +100,7 @@ TEST(MadeAhead, WhatUsingThrowsEndsTheMaking) {
       if (used++ == good) throw std::runtime_error("on purpose");
     };
     EXPECT_THROW(forEachMadeAhead<int>(make, use), std::runtime_error);
-    EXPECT_LE(made, good + static_cast<int>(kMostMadeAhead));
+    EXPECT_LE(made, good + static_cast<int>(kManyAhead));
   }
 }
 

@@ -221,10 +221,40 @@ TEST_F(TwoTableLayout, TracksOfOneIdShareWhereNoMenuHasIt) {
     tracks.push_back(&track);
   }
   tree_.setTrackTable(tracks);
-  for (const std::uint32_t number : {1U, 2U, 3U}) root_.appendLeaf(tracks, number);
+  std::vector<std::string> expected = {"root", "menu", "menu", "menu"};
+  for (const std::uint32_t count : {3U, 4U, 100U}) {
+    MenuNode& menu = addMenu(root_, 0, "menu");
+    for (std::uint32_t i = 0; i < count; ++i) {
+      menu.appendLeaf(tracks, i % 3 + 1);
+      expected.push_back(i % 3 == 1 ? "once" : "twice");
+    }
+  }
   const Tables tables = written();
-  EXPECT_THAT(tables.names, ElementsAre("root", "twice", "once"));
-  EXPECT_THAT(tables.treeNames(), ElementsAre("root", "twice", "once", "twice"));
+  EXPECT_THAT(tables.names, ElementsAre("root", "menu", "twice", "once"));
+  EXPECT_EQ(tables.treeNames(), expected);
+}
+
+// The first menu with tracks is one of many, so that their records are asked for as it is laid out.
+TEST_F(TwoTableLayout, TracksOfOneIdShareInMenusOfMany) {
+  constexpr std::uint32_t kTracks = 300;
+  std::array<Track, kTracks> store;
+  TrackTable tracks = {nullptr};
+  tree_.setTrackTable(tracks);
+  MenuNode& songs = addMenu(root_, 0, "Songs");
+  std::vector<std::uint32_t> expected;
+  for (std::uint32_t i = 0; i < kTracks; ++i) {
+    store[i].setTitle("title");
+    store[i].setMediaId(1 + i % 100);
+    tracks.push_back(&store[i]);
+    songs.appendLeaf(tracks, i + 1);
+    expected.push_back(2 + i % 100);
+  }
+  const Tables tables = written();
+  EXPECT_EQ(tables.data.size(), 102U);
+  ASSERT_EQ(tables.tree.size(), 2 + kTracks);
+  for (std::uint32_t i = 0; i < kTracks; ++i) {
+    EXPECT_EQ(tables.tree[2 + i].dataIndex, expected[i]);
+  }
 }
 
 TEST_F(TwoTableLayout, PlaylistsComeAfterTheirSiblingsDescendants) {
