@@ -53,7 +53,7 @@ void NameRanks::rank() {
   LargeVector<std::uint8_t> startsRank(keys_.size());
   const std::vector<std::size_t> begins = partByFirstByte();
   forEachInParallel(begins.size() - 1, workersFor(keys_.size()), [&](std::size_t i, std::size_t) {
-    order(begins[i], begins[i + 1], startsRank);
+    if (begins[i] < begins[i + 1]) order(begins[i], begins[i + 1], startsRank);
   });
   std::uint32_t rank = 0;
   for (std::size_t i = 0; i < keys_.size(); ++i) {

@@ -68,5 +68,13 @@ TEST(TreeMemory, NamesThatAreToldApartAreNotLookedAtAgain) {
   EXPECT_EQ(ranking(100), ranking(1));
 }
 
+TEST(TreeMemory, BeginningsThatNoNameHasAreNotRanked) {
+  constexpr std::ptrdiff_t kAllBytes = 256;
+  NameRanks ranks;
+  ranks.reserve(1, 1);
+  ranks.add(0, "a");
+  EXPECT_LT(allocationsOf([&] { ranks.rank(); }), kAllBytes / 8);
+}
+
 }  // namespace
 }  // namespace Orvane::test
