@@ -1,9 +1,12 @@
 #pragma once
 
 #include <cstring>
+#include <ext/stdio_filebuf.h>
 #include <fstream>
 #include <istream>
 #include <string>
+
+#include "io/write_behind.h"
 
 namespace Orvane {
 
@@ -20,6 +23,7 @@ class FileStream : public std::iostream {
     if (file_.open(fileName, direction) == nullptr) {
       setstate(std::ios_base::failbit);
     } else {
+      file_.behind = {};
       clear();
     }
   }
@@ -31,13 +35,14 @@ class FileStream : public std::iostream {
   bool put(const char* data, std::streamsize size) { return file_.put(data, size); }
 
  private:
-  struct File : std::filebuf {
+  struct File : __gnu_cxx::stdio_filebuf<char> {
     bool put(const char* data, std::streamsize size) {
       if (size < 0) return false;
       // What doesn't fit fills the buffer, whose last place is that of sputc(), which empties it.
       for (auto room = epptr() - pptr(); size > room; room = epptr() - pptr()) {
         take(data, room);
         if (traits_type::eq_int_type(sputc(data[room]), traits_type::eof())) return false;
+        behind.follow(fd());
         data += room + 1;
         size -= room + 1;
       }
@@ -50,6 +55,8 @@ class FileStream : public std::iostream {
       std::memcpy(pptr(), data, static_cast<std::size_t>(size));
       pbump(static_cast<int>(size));
     }
+
+    WriteBehind behind;
   };
 
   File file_;

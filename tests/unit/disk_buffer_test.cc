@@ -8,6 +8,7 @@
 #include <string>
 
 #include "disk_buffer_fixture.h"
+#include "io/write_behind.h"
 #include "test_support.h"
 
 namespace Orvane {
@@ -244,6 +245,19 @@ TEST_F(DiskBufferStream, SeekFromAnUnknownPlaceIsFromTheBeginning) {
   put(buffer, "C");
   EXPECT_TRUE(buffer.close());
   EXPECT_EQ(test::readFile(path_), "AbC");
+}
+
+TEST_F(DiskBufferStream, AFileLargerThanTheSystemIsToKeepIsWrittenWhole) {
+  std::string content;
+  DiskBuffer buffer(path_);
+  EXPECT_TRUE(buffer.openForWrite());
+  for (char letter = 'a'; content.size() < 2 * WriteBehind::kKept; ++letter) {
+    const std::string piece(3'000'017, letter);
+    put(buffer, piece);
+    content += piece;
+  }
+  EXPECT_TRUE(buffer.close());
+  EXPECT_TRUE(test::readFile(path_) == content);
 }
 
 TEST_F(DiskBufferStream, SeekOutsideTheStreamModesMovesNothing) {
