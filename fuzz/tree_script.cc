@@ -51,7 +51,7 @@ void TreeScript::step(std::uint32_t code) {
       becomeLeaf(append(here(), high % 2 == 0 ? Made::kByTree : Made::kAlone));
       return;
     case 11:
-      appendLeaf(here());
+      appendLeaves(here(), high + 1);
       return;
     case 12:
       setOne(here(), high);
@@ -159,17 +159,25 @@ void TreeScript::becomeLeaf(Pair pair) {
   if (choice % 4 == 0) setOne(pair, choice / 4);
 }
 
-// The leaf of a track that has a leaf already; what a tree's own node keeps of it is a number.
-void TreeScript::appendLeaf(Pair parent) {
+// Leaves of tracks that have a leaf already; what a tree's own node keeps of them is numbers.
+void TreeScript::appendLeaves(Pair parent, std::uint32_t count) {
   if (tracks_.empty()) return;
-  const std::size_t which = input_.byte() % tracks_.size();
-  parent.node->appendLeaf(trackTable_, static_cast<std::uint32_t>(which + 1));
-  plain::PlainNode& plain =
-      *parent.plain->children.emplace_back(std::make_unique<plain::PlainNode>());
-  plain.nodeType = NODE_TYPE_MEDIA;
-  plain.mediaId = tracks_[which].getMediaId();
-  plain.track = &plainTracks_[which];
-  plain::plainSetName(plain, std::string(tracks_[which].getTitle()));
+  std::vector<std::uint32_t>& numbers = numbers_.emplace_back();
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const std::size_t which = input_.byte() % tracks_.size();
+    numbers.push_back(static_cast<std::uint32_t>(which + 1));
+    plain::PlainNode& plain =
+        *parent.plain->children.emplace_back(std::make_unique<plain::PlainNode>());
+    plain.nodeType = NODE_TYPE_MEDIA;
+    plain.mediaId = tracks_[which].getMediaId();
+    plain.track = &plainTracks_[which];
+    plain::plainSetName(plain, std::string(tracks_[which].getTitle()));
+  }
+  if (count == 1) {
+    parent.node->appendLeaf(trackTable_, numbers.front());
+  } else {
+    parent.node->appendLeaves(trackTable_, numbers);
+  }
 }
 
 std::string TreeScript::name() {

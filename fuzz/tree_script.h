@@ -41,7 +41,7 @@ class TreeScript {
   void setName(Pair pair, const std::string& name);
   void borrowName(Pair pair, const std::string& name);
   void becomeLeaf(Pair pair);
-  void appendLeaf(Pair parent);
+  void appendLeaves(Pair parent, std::uint32_t count);
   std::string name();
 
   bool isFull() const { return pairs_.size() >= kMostNodes; }
@@ -52,6 +52,7 @@ class TreeScript {
   std::deque<Track> tracks_;                   // so do these
   std::deque<plain::PlainTrack> plainTracks_;  // the same
   TrackTable trackTable_ = {nullptr};
+  std::deque<std::vector<std::uint32_t>> numbers_;  // what menus have as children
   MenuTree tree_;
   std::unique_ptr<plain::PlainNode> plain_ = plain::plainRoot();
   std::vector<Pair> open_;   // from the root to the menu that is being filled

@@ -2,12 +2,15 @@
 
 #include <algorithm>
 #include <array>
-#include <functional>
-#include <optional>
+#include <cstddef>
+#include <cstdint>
+#include <span>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "inventory/append_menu.h"
+#include "inventory/artist_albums.h"
 #include "tree/parallel.h"
 #include "tree/position_index.h"
 #include "tree/prefetch.h"
@@ -15,18 +18,6 @@
 namespace Orvane {
 
 namespace {
-
-void fillMenu(MenuNode& menu, std::string_view name, std::uint32_t recType, std::uint32_t id) {
-  menu.setBorrowedName(name);
-  menu.setNodeType(NODE_TYPE_MENU);
-  menu.setRecType(recType);
-  menu.setMediaId(id);
-}
-
-MenuNode& appendMenu(MenuNode& parent, std::string_view name, std::uint32_t recType,
-                     std::uint32_t id) {
-  return parent.appendChild([&](MenuNode& menu) { fillMenu(menu, name, recType, id); });
-}
 
 // Appends leaves for the tracks of one manager.
 class LeafMaker {
@@ -36,54 +27,64 @@ class LeafMaker {
   }
 
   // A leaf doesn't carry its track's rating: players tell stars by the menu alone.
-  void append(MenuNode& parent, TrackIndex::Number number) const {
-    parent.appendLeaf(index_.getTracksByNumber(), number);
-  }
-
-  // The same for one that may be any track, as those in playlists.
   void append(MenuNode& parent, const Track& track) const {
     if (const TrackIndex::Number number = index_.numberOf(track)) {
-      append(parent, number);
+      parent.appendLeaf(index_.getTracksByNumber(), number);
     } else {
       parent.appendChild([&](MenuNode& leaf) { leaf.becomeLeafOf(track); });
     }
+  }
+
+  // The same for tracks with these numbers, which the tree keeps.
+  void append(MenuNode& parent, std::span<TrackIndex::Number> kept) const {
+    parent.appendLeaves(index_.getTracksByNumber(), kept);
   }
 
  private:
   const TrackIndex& index_;
 };
 
-MenuNode& appendAlbum(MenuNode& parent, const Track& track) {
-  return appendMenu(parent, track.getAlbumName(), RecType::kAlbum, track.getAlbumId());
-}
-
-// Calls `use` with each track of a category's entries, in order, and with its number. Before that,
-// `expect` is called with the track, in time to ask for what `use` looks at beyond it.
-template <typename Use, typename... Expect>
-void forEachTrack(const TrackIndex& index, const CategoryIndex& category, Use use,
-                  Expect... expect) {
-  const TrackTable& tracks = index.getTracksByNumber();
-  const LargeVector<TrackIndex::Number> numbers = category.tracksInOrder();
-  forEachPrefetched(
-      numbers.size(), [&](std::size_t i) { use(*tracks[numbers[i]], numbers[i]); },
-      [&](std::size_t i) { prefetch(&tracks[numbers[i]]); },
-      [&](std::size_t i) { prefetchTrack(tracks[numbers[i]]); },
-      [&](std::size_t i) { expect(*tracks[numbers[i]]); }...);
-}
-
 void expectAlbum(const Track& track) {
   prefetch(&track.getAlbum());
 }
 
-// Tells the runs of equal ids apart in a sequence.
-class RunDetector {
- public:
-  // True for the first id and for every one that isn't the one before it.
-  bool startsRun(std::uint32_t id) { return std::exchange(previous_, id) != id; }
+// Goes through the tracks of a category's entries, in order, and the runs of equal ids in them:
+// calls `start` with the first track of each run, `add` with each track, and `finish` with the
+// numbers of the run, which the tree of `menu` keeps. Before that, `expect` is called with each
+// track, in time to ask for what the others look at beyond it.
+template <typename Start, typename Add, typename Finish, typename... Expect>
+void forEachRun(const TrackIndex& index, const CategoryIndex& category, MenuNode& menu,
+                std::uint32_t (Track::*idOf)() const, Start start, Add add, Finish finish,
+                Expect... expect) {
+  const TrackTable& tracks = index.getTracksByNumber();
+  const std::span<TrackIndex::Number> numbers = menu.keepNumbers(category.tracksInOrder());
+  std::size_t begin = 0;
+  std::uint32_t id = 0;
+  forEachPrefetched(
+      numbers.size(),
+      [&](std::size_t i) {
+        const Track& track = *tracks[numbers[i]];
+        if (i == 0 || (track.*idOf)() != id) {
+          if (i > 0) finish(numbers.subspan(begin, i - begin));
+          begin = i;
+          id = (track.*idOf)();
+          start(track);
+        }
+        add(track);
+      },
+      [&](std::size_t i) { prefetch(&tracks[numbers[i]]); },
+      [&](std::size_t i) { prefetchTrack(tracks[numbers[i]]); },
+      [&](std::size_t i) { expect(*tracks[numbers[i]]); }...);
+  if (!numbers.empty()) finish(numbers.subspan(begin));
+}
 
- private:
-  std::optional<std::uint32_t> previous_;
-};
+// The same where tracks are of no interest in themselves.
+template <typename Start, typename Finish>
+void forEachRun(const TrackIndex& index, const CategoryIndex& category, MenuNode& menu,
+                std::uint32_t (Track::*idOf)() const, Start start, Finish finish) {
+  forEachRun(
+      index, category, menu, idOf, start, [](const Track&) {}, finish);
+}
 
 }  // namespace
 
@@ -103,61 +104,17 @@ void addPlaylistsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& cat
 
 void addArtistsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& category) {
   const TrackIndex& index = manager.getIndex();
-  const LeafMaker leaves(index, tree);
-  struct Album {
-    const MenuNode* artist;
-    MenuNode* menu;
-  };
-  constexpr std::size_t kFewAlbums = 1024;
-  std::vector<Album> albums;
-  PositionIndex albumIndex;
-
-  // The albums met last, each in a place that its address decides: most tracks are of one of these.
-  struct Recent {
-    const NamedId* id = nullptr;
-    std::uint32_t run = 0;  // counted from 1, so that no track is taken for one of no album
-    std::uint32_t album = 0;
-  };
-  std::array<Recent, 128> recents;
-
-  RunDetector runs;
-  MenuNode* artist = nullptr;
-  std::uint32_t run = 0;
-  forEachTrack(
-      index, index.getArtists(),
-      [&](const Track& track, TrackIndex::Number number) {
-        if (runs.startsRun(track.getArtistId())) {
-          artist =
-              &appendMenu(category, track.getArtistName(), RecType::kArtist, track.getArtistId());
-          ++run;
-          // The albums of earlier runs are of no use any more. Few don't matter.
-          if (albums.size() > kFewAlbums) {
-            albums.clear();
-            albumIndex.clear();
-          }
-        }
-        const NamedId* const address = &track.getAlbum();
-        Recent& recent =
-            recents[std::hash<const NamedId*>()(address) / sizeof(NamedId) % recents.size()];
-        if (recent.run != run || recent.id != address) {
-          const std::string_view fullName = track.getAlbumName();
-          const std::uint32_t id = track.getAlbumId();
-          const std::string_view name = MenuNode::storedForm(fullName);
-          const auto next = static_cast<std::uint32_t>(albums.size());
-          const std::uint32_t hash = hashNameAndId(name, id) + run * 0x9E3779B9U;
-          std::uint32_t album = albumIndex.findOrInsert(hash, next, [&](std::uint32_t candidate) {
-            const Album& other = albums[candidate];
-            return other.artist == artist && other.menu->getMediaId() == id &&
-                   other.menu->getName() == name;
-          });
-          // It is the whole name that is looked for among the stored ones: one too long to be
-          // stored whole is never found, and each such track gets an album menu to itself.
-          const bool isShortened = fullName.size() > name.size();
-          if (isShortened) album = next;
-          if (album == next) albums.push_back({artist, &appendAlbum(*artist, track)});
-          recent = {address, isShortened ? 0 : run, album};
-        }
-        leaves.append(*albums[recent.album].menu, number);
+  tree.setTrackTable(index.getTracksByNumber());
+  ArtistAlbums albums;
+  forEachRun(
+      index, index.getArtists(), category, &Track::getArtistId,
+      [&](const Track& track) {
+        albums.startArtist(
+            appendMenu(category, track.getArtistName(), RecType::kArtist, track.getArtistId()));
+      },
+      [&](const Track& track) { albums.add(track); },
+      [&](std::span<TrackIndex::Number> numbers) {
+        albums.finishArtist(index.getTracksByNumber(), numbers);
       },
       expectAlbum);
 }
@@ -167,47 +124,49 @@ void addAlbumsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& catego
   const LeafMaker leaves(index, tree);
   std::vector<MenuNode*> albums;
   PositionIndex albumIndex;
-
-  RunDetector runs;
   MenuNode* album = nullptr;
-  forEachTrack(
-      index, index.getAlbums(),
-      [&](const Track& track, TrackIndex::Number number) {
-        if (runs.startsRun(track.getAlbumId())) {
-          const std::string_view name = MenuNode::storedForm(track.getAlbumName());
-          const auto next = static_cast<std::uint32_t>(albums.size());
-          const std::uint32_t found = albumIndex.findOrInsert(
-              hashNameAndId(name, track.getAlbumId()), next, [&](std::uint32_t candidate) {
-                return albums[candidate]->getMediaId() == track.getAlbumId() &&
-                       albums[candidate]->getName() == name;
-              });
-          if (found == next) albums.push_back(&appendAlbum(category, track));
-          album = albums[found];
-        }
-        leaves.append(*album, number);
+  forEachRun(
+      index, index.getAlbums(), category, &Track::getAlbumId,
+      [&](const Track& track) {
+        const std::string_view name = MenuNode::storedForm(track.getAlbumName());
+        const auto next = static_cast<std::uint32_t>(albums.size());
+        const std::uint32_t found = albumIndex.findOrInsert(
+            hashNameAndId(name, track.getAlbumId()), next, [&](std::uint32_t candidate) {
+              return albums[candidate]->getMediaId() == track.getAlbumId() &&
+                     albums[candidate]->getName() == name;
+            });
+        if (found == next) albums.push_back(&appendAlbum(category, track));
+        album = albums[found];
       },
-      expectAlbum);
+      [&](std::span<TrackIndex::Number> numbers) { leaves.append(*album, numbers); });
 }
 
 void addSongsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& category) {
   const TrackIndex& index = manager.getIndex();
   const LeafMaker leaves(index, tree);
-  for (auto it = manager.tracksBegin(); it != manager.tracksEnd(); ++it) {
-    leaves.append(category, **it);
+  const std::span<const Track* const> tracks = index.getTrackList();
+  LargeVector<TrackIndex::Number> numbers;
+  numbers.reserve(tracks.size());
+  for (const Track* const track : tracks) {
+    const TrackIndex::Number number = index.numberOf(*track);
+    if (number == 0) break;
+    numbers.push_back(number);
   }
+  const std::size_t numbered = numbers.size();
+  leaves.append(category, category.keepNumbers(std::move(numbers)));
+  for (const Track* const track : tracks.subspan(numbered)) leaves.append(category, *track);
 }
 
 void addGenresMenu(const TrackManager& manager, MenuTree& tree, MenuNode& category) {
   const TrackIndex& index = manager.getIndex();
   const LeafMaker leaves(index, tree);
-  RunDetector runs;
   MenuNode* genre = nullptr;
-  forEachTrack(index, index.getGenres(), [&](const Track& track, TrackIndex::Number number) {
-    if (runs.startsRun(track.getGenreId())) {
-      genre = &appendMenu(category, track.getGenreName(), RecType::kGenre, track.getGenreId());
-    }
-    leaves.append(*genre, number);
-  });
+  forEachRun(
+      index, index.getGenres(), category, &Track::getGenreId,
+      [&](const Track& track) {
+        genre = &appendMenu(category, track.getGenreName(), RecType::kGenre, track.getGenreId());
+      },
+      [&](std::span<TrackIndex::Number> numbers) { leaves.append(*genre, numbers); });
 }
 
 void addRatingsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& category) {
@@ -229,10 +188,13 @@ void addRatingsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& categ
       menu.setRecType(kStars[i].recType);
     });
   }
-  forEachTrack(index, index.getRatings(), [&](const Track& track, TrackIndex::Number number) {
-    const std::uint32_t rating = track.getRating();
-    if (rating >= 1 && rating <= menus.size()) leaves.append(*menus[rating - 1], number);
-  });
+  std::uint32_t rating = 0;
+  forEachRun(
+      index, index.getRatings(), category, &Track::getRating,
+      [&](const Track& track) { rating = track.getRating(); },
+      [&](std::span<TrackIndex::Number> numbers) {
+        if (rating >= 1 && rating <= menus.size()) leaves.append(*menus[rating - 1], numbers);
+      });
 }
 
 void buildMenuFromInventory(const TrackManager& manager, MenuTree& tree) {

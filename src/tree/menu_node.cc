@@ -1,6 +1,7 @@
 #include "tree/menu_node.h"
 
 #include <algorithm>
+#include <bit>
 #include <utility>
 
 #include "tree/node_arena.h"
@@ -55,7 +56,7 @@ void MenuNode::freeOwn() {
 
 MenuNode::Branch& MenuNode::ownBranch() {
   if (branch_->isShared) {
-    branch_ = branch_->arena == nullptr ? new Branch() : branch_->arena->makeBranch();
+    branch_ = branch_->arena() == nullptr ? new Branch() : branch_->arena()->makeBranch();
   }
   return *branch_;
 }
@@ -63,7 +64,7 @@ MenuNode::Branch& MenuNode::ownBranch() {
 MenuNode::Rare& MenuNode::ownRare() {
   Branch& branch = ownBranch();
   if (branch.rare == nullptr) {
-    branch.rare = branch.arena == nullptr ? new Rare() : branch.arena->makeRare();
+    branch.rare = branch.arena() == nullptr ? new Rare() : branch.arena()->makeRare();
   }
   return *branch.rare;
 }
@@ -157,7 +158,7 @@ void MenuNode::setBorrowedName(std::string_view name) {
 }
 
 void MenuNode::takeCopy(std::string_view front, std::string_view back) {
-  NodeArena* const arena = branch_->arena;
+  NodeArena* const arena = branch_->arena();
   if (arena == nullptr) ownRare();  // before there is a copy to be lost
   const std::size_t size = front.size() + back.size();
   char* const copy = arena == nullptr ? new char[size] : arena->makeText(size);
@@ -182,7 +183,7 @@ void MenuNode::growChildren() {
   if (branch.count < branch.capacity) return;
   // Many menus have one child only, hardly any has two or three.
   const std::uint32_t capacity = branch.capacity == 0 ? 1 : std::max(4U, 2 * branch.capacity);
-  NodeArena* const arena = branch.arena;
+  NodeArena* const arena = branch.arena();
   auto** const grown = arena ? arena->makeArray<MenuNode*>(capacity) : new MenuNode*[capacity];
   std::copy(branch.children, branch.children + branch.count, grown);
   if (arena == nullptr) {
@@ -198,10 +199,10 @@ void MenuNode::growChildren() {
 void MenuNode::growNumbers() {
   Branch& branch = ownBranch();
   if (branch.count < branch.capacity) return;
-  const std::uint32_t capacity = std::max(2U, 2 * branch.capacity);
-  auto* const grown = branch.arena->makeArray<std::uint32_t>(capacity);
+  const std::uint32_t capacity = std::max(2U, std::bit_ceil(branch.count + 1));
+  auto* const grown = branch.arena()->makeArray<std::uint32_t>(capacity);
   std::copy(branch.numbers, branch.numbers + branch.count, grown);
-  if (branch.capacity > 0) branch.arena->giveBack(branch.numbers, branch.capacity);
+  if (branch.capacity > 0) branch.arena()->giveBack(branch.numbers, branch.capacity);
   branch.numbers = grown;
   branch.capacity = capacity;
 }
@@ -210,8 +211,8 @@ bool MenuNode::addChild(std::unique_ptr<MenuNode> child) {
   if (child == nullptr) return false;
   growChildren();
   MenuNode* const linked = child.get();
-  if (branch_->arena != nullptr) {
-    branch_->arena->adopt(std::move(child));
+  if (branch_->arena() != nullptr) {
+    branch_->arena()->adopt(std::move(child));
   } else {
     static_cast<void>(child.release());
   }
@@ -230,27 +231,45 @@ void MenuNode::appendLeaf(const TrackTable& tracks, std::uint32_t number) {
   branch_->numbers[branch_->count++] = number;
 }
 
+void MenuNode::appendLeaves(const TrackTable& tracks, std::span<std::uint32_t> numbers) {
+  const bool isFresh = branch_->count == 0 && branch_->capacity == 0;
+  if (!isFresh || getTrackTable() != &tracks) {
+    for (const std::uint32_t number : numbers) appendLeaf(tracks, number);
+  } else if (!numbers.empty()) {
+    Branch& branch = ownBranch();
+    branch.numbers = numbers.data();
+    branch.count = static_cast<std::uint32_t>(numbers.size());
+    branch.hasNumbers = true;
+  }
+}
+
+std::span<std::uint32_t> MenuNode::keepNumbers(LargeVector<std::uint32_t> numbers) {
+  return branch_->arena()->keep(std::move(numbers));
+}
+
 const TrackTable* MenuNode::getTrackTable() const {
-  return branch_->arena == nullptr ? nullptr : branch_->arena->getTrackTable();
+  return branch_->arena() == nullptr ? nullptr : branch_->arena()->getTrackTable();
 }
 
 // When memory runs out on the way, all are still numbers.
 void MenuNode::makeNodesOfNumbers() const {
   Branch& branch = *branch_;
-  NodeArena& arena = *branch.arena;
+  NodeArena& arena = *branch.arena();
   const TrackTable& tracks = *arena.getTrackTable();
-  auto** const nodes = arena.makeArray<MenuNode*>(branch.capacity);
+  const std::uint32_t capacity = std::bit_ceil(branch.count);
+  auto** const nodes = arena.makeArray<MenuNode*>(capacity);
   for (std::size_t i = 0; i < branch.count; ++i) {
     nodes[i] = arena.make();
     nodes[i]->becomeLeafOf(*tracks[branch.numbers[i]]);
   }
-  arena.giveBack(branch.numbers, branch.capacity);
+  if (branch.capacity > 0) arena.giveBack(branch.numbers, branch.capacity);
   branch.children = nodes;
+  branch.capacity = capacity;
   branch.hasNumbers = false;
 }
 
 MenuNode* MenuNode::makeChild() {
-  return branch_->arena ? branch_->arena->make() : new MenuNode();
+  return branch_->arena() ? branch_->arena()->make() : new MenuNode();
 }
 
 // Appends a fresh node of another arena that lives as long.
@@ -262,7 +281,7 @@ MenuNode& MenuNode::appendChildOf(NodeArena& arena) {
 }
 
 void MenuNode::discardChild(MenuNode* child) {
-  if (branch_->arena == nullptr) delete child;
+  if (branch_->arena() == nullptr) delete child;
 }
 
 MenuNode::Position MenuNode::firstChild() {

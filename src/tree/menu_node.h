@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "tree/child.h"
+#include "tree/huge_pages.h"
 #include "tree/prefetch.h"
 #include "tree/track.h"
 
@@ -151,6 +152,13 @@ class MenuNode {
   // of the node's tree and all other children are numbers, too; otherwise a node.
   void appendLeaf(const TrackTable& tracks, std::uint32_t number);
 
+  // The same for several, in this order. A menu without children uses the numbers where they are:
+  // they must outlive the node, and may be put in another order.
+  void appendLeaves(const TrackTable& tracks, std::span<std::uint32_t> numbers);
+
+  // Keeps numbers for appendLeaves() as long as the tree lives whose own node this is.
+  std::span<std::uint32_t> keepNumbers(LargeVector<std::uint32_t> numbers);
+
   // The table in which the numbers among the children are looked up, here and beneath; nullptr when
   // there can't be any.
   const TrackTable* getTrackTable() const;
@@ -225,21 +233,28 @@ class MenuNode {
   // the arena's or, outside arenas, a static one.
   struct Branch {
     explicit Branch(NodeArena* where = nullptr, bool isForMany = false)
-        : arena(where), isShared(isForMany) {}
+        : inArena(where), isShared(isForMany), standsAlone(where == nullptr) {}
+
+    // Where the node lives; nullptr for one that stands alone.
+    NodeArena* arena() const { return standsAlone ? nullptr : inArena; }
 
     Rare* rare = nullptr;
-    NodeArena* arena;  // where the node lives; nullptr for one that stands alone
+    union {
+      NodeArena* inArena;
+      MenuNode* parent;  // if standsAlone: the way back up while a subtree is being freed
+    };
     union {
       MenuNode** children = nullptr;
       std::uint32_t* numbers;  // if hasNumbers: of the tracks whose leaves the children are
     };
-    MenuNode* parent = nullptr;  // the way back up while a subtree is being freed
     std::uint32_t count = 0;
-    std::uint32_t capacity = 0;  // of whichever array it is
+    std::uint32_t capacity = 0;  // of whichever array it is; 0 when that is somebody else's
     std::uint32_t cursor = 0;
     bool isShared;
+    bool standsAlone;
     bool hasNumbers = false;
   };
+  static_assert(sizeof(void*) != 8 || sizeof(Branch) == 40, "each menu of a million has one");
 
   static constexpr std::uint8_t kWide = 0xFF;
   static constexpr std::uint8_t kTrackLeaf = 0xFE;  // a node type: see becomeLeafOf

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -68,19 +69,50 @@ TEST(MenuBuilderSharing, PlaylistMayHaveAnotherManagersTracks) {
               ElementsAre("root", "list", "theirs", "beyond", "mine"));
 }
 
+// Each menu beneath the root, with its leaves.
+std::vector<std::string> menusOf(MenuTree& tree) {
+  std::vector<std::string> menus;
+  const MenuNode& root = *tree.getRoot();
+  std::for_each(root.childrenBegin(), root.childrenEnd(), [&](const MenuNode* menu) {
+    std::string& line = menus.emplace_back(menu->getName());
+    line += ':';
+    std::for_each(menu->childrenBegin(), menu->childrenEnd(),
+                  [&](const MenuNode* leaf) { line.append(" ").append(leaf->getName()); });
+  });
+  return menus;
+}
+
 TEST(MenuBuilderSharing, RatingTakenBackHasNoStars) {
   TrackManager manager;
   addSong(manager, 1, "kept", 0, "", 2);
   addSong(manager, 2, "changed", 0, "", 2)->setRating(0);
   MenuTree tree;
   addRatingsMenu(manager, tree, *tree.getRoot());
-  std::vector<std::string> leaves;
-  const MenuNode& root = *tree.getRoot();
-  std::for_each(root.childrenBegin(), root.childrenEnd(), [&](const MenuNode* stars) {
-    std::for_each(stars->childrenBegin(), stars->childrenEnd(),
-                  [&](const MenuNode* leaf) { leaves.emplace_back(leaf->getName()); });
-  });
-  EXPECT_THAT(leaves, ElementsAre("kept"));
+  EXPECT_THAT(menusOf(tree), ElementsAre("Three Stars:", "Two Stars: kept", "One Star:"));
+}
+
+TEST(MenuBuilderSharing, OtherGenreMakesARunOfItsOwn) {
+  TrackManager manager;
+  const NamedId other(9, "Other");
+  for (std::uint32_t id = 1; id <= 4; ++id) {
+    Track* const track =
+        manager.addTrack("song" + std::to_string(id), id, "", 0, "", 0, "Pop", 5, 0);
+    if (id == 3) track->setGenre(other);
+  }
+  MenuTree tree;
+  addGenresMenu(manager, tree, *tree.getRoot());
+  EXPECT_THAT(menusOf(tree), ElementsAre("Pop: song1 song2", "Other: song3", "Pop: song4"));
+}
+
+// It has no number any more.
+TEST(MenuBuilderSharing, OtherTitleIsASongAmongTheOthers) {
+  TrackManager manager;
+  addSong(manager, 1, "one");
+  addSong(manager, 2, "two")->setTitle("changed");
+  addSong(manager, 3, "three");
+  MenuTree tree;
+  addSongsMenu(manager, tree, *tree.getRoot());
+  EXPECT_THAT(menusOf(tree), ElementsAre("one:", "changed:", "three:"));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <deque>
 #include <new>
 #include <random>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -223,6 +224,73 @@ TEST_F(TrackChildren, StayNumbersWhenTheyAreSortedAndWritten) {
     write(tree_, buffer);
   }
   EXPECT_THAT(songs.trackNumbers(), ElementsAre(2U, 3U, 1U));
+}
+
+class KeptTrackChildren : public TrackChildren {
+ protected:
+  KeptTrackChildren() {
+    for (const char* const title : {"c", "a", "b"}) addTrack(1, title);
+    kept_ = root_.keepNumbers({1, 2, 3});
+  }
+
+  MenuNode& songs_ = root_.appendChild([](MenuNode& menu) { menu.setName("Songs"); });
+  std::span<std::uint32_t> kept_;
+};
+
+TEST_F(KeptTrackChildren, AreWhereTheyWereAlsoWhenSorted) {
+  songs_.appendLeaves(tracks_, kept_);
+  EXPECT_THAT(songs_.trackNumbers(), ElementsAre(1U, 2U, 3U));
+  MenuTree::sortTree(&root_);
+  EXPECT_EQ(songs_.trackNumbers().data(), kept_.data());
+  EXPECT_THAT(kept_, ElementsAre(2U, 3U, 1U));
+}
+
+TEST_F(KeptTrackChildren, ComeBehindOthers) {
+  songs_.appendLeaf(tracks_, 3);
+  songs_.appendLeaves(tracks_, kept_);
+  EXPECT_THAT(songs_.trackNumbers(), ElementsAre(3U, 1U, 2U, 3U));
+  addMedia(songs_, 8, "eight");
+  songs_.appendLeaves(tracks_, kept_.first(1));
+  EXPECT_THAT(describeChildren(songs_),
+              ElementsAre("2 1 'b' 0 0 0", "2 1 'c' 0 0 0", "2 1 'a' 0 0 0", "2 1 'b' 0 0 0",
+                          "2 8 'eight' 0 0 0", "2 1 'c' 0 0 0"));
+}
+
+// What the tree keeps is no array that another menu could have.
+TEST_F(KeptTrackChildren, AreLeftAloneWhenTheMenuGrows) {
+  for (const bool becomesNodes : {false, true}) {
+    MenuNode& menu = root_.appendChild([](MenuNode&) {});
+    menu.appendLeaves(tracks_, kept_.first(2));
+    if (becomesNodes) {
+      EXPECT_THAT(describeChildren(menu), ElementsAre("2 1 'c' 0 0 0", "2 1 'a' 0 0 0"));
+      addMedia(menu, 8, "eight");
+    } else {
+      menu.appendLeaf(tracks_, 2);
+      EXPECT_THAT(menu.trackNumbers(), ElementsAre(1U, 2U, 2U));
+    }
+    EXPECT_EQ(menu.childCount(), 3U);
+    for (int i = 0; i < 4; ++i) {
+      MenuNode& other = root_.appendChild([](MenuNode&) {});
+      for (int leaf = 0; leaf <= i; ++leaf) other.appendLeaf(tracks_, 3);
+    }
+    EXPECT_THAT(kept_, ElementsAre(1U, 2U, 3U));
+  }
+}
+
+TEST_F(KeptTrackChildren, AreNodesWhereNumbersMeanNothing) {
+  const TrackTable other = {nullptr, &store_[0], &store_[1], &store_[2]};
+  songs_.appendLeaves(other, kept_);
+  EXPECT_TRUE(songs_.childAt(0).isNode());
+  MenuNode alone;
+  alone.appendLeaves(tracks_, kept_);
+  EXPECT_TRUE(alone.childAt(0).isNode());
+  EXPECT_EQ(describeChildren(alone), describeChildren(songs_));
+}
+
+TEST_F(KeptTrackChildren, NoneAreNoChildren) {
+  songs_.appendLeaves(tracks_, {});
+  EXPECT_FALSE(songs_.hasTrackNumbers());
+  EXPECT_EQ(songs_.childCount(), 0U);
 }
 
 TEST_F(TrackChildren, LackOfMemoryLosesNone) {

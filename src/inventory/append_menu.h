@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "tree/menu_node.h"
+#include "tree/track.h"
+
+namespace Orvane {
+
+inline void fillMenu(MenuNode& menu, std::string_view name, std::uint32_t recType,
+                     std::uint32_t id) {
+  menu.setBorrowedName(name);
+  menu.setNodeType(NODE_TYPE_MENU);
+  menu.setRecType(recType);
+  menu.setMediaId(id);
+}
+
+// The name's bytes must outlive the menu.
+inline MenuNode& appendMenu(MenuNode& parent, std::string_view name, std::uint32_t recType,
+                            std::uint32_t id) {
+  return parent.appendChild([&](MenuNode& menu) { fillMenu(menu, name, recType, id); });
+}
+
+// Appends a menu of the track's album.
+inline MenuNode& appendAlbum(MenuNode& parent, const Track& track) {
+  return appendMenu(parent, track.getAlbumName(), RecType::kAlbum, track.getAlbumId());
+}
+
+}  // namespace Orvane
