@@ -60,6 +60,7 @@ void NameRanks::rank() {
     if (startsRank[i]) ++rank;
     ranks_[keys_[i].number] = rank;
   }
+  release(keys_);
 }
 
 // Orders some of the keys by their names, and marks the first one of each name.

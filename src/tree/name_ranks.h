@@ -19,7 +19,7 @@ class NameRanks {
   // Adds a name; its bytes must stay until rank() is called. No number may come twice.
   void add(std::uint32_t number, std::string_view name);
 
-  // Ranks all names added.
+  // Ranks all names added, which must be done once.
   void rank();
 
   // The rank of an added name, after rank().
