@@ -6,12 +6,16 @@
 #include <utility>
 
 #include "inventory/name_folding.h"
+#include "tree/name_bytes.h"
 #include "tree/name_ranks.h"
 
 namespace Orvane {
 
 bool CategoryIndex::orders(std::uint32_t a, std::uint32_t b) const {
-  return names_[a].folded() < names_[b].folded();
+  const Name& one = names_[a];
+  const Name& other = names_[b];
+  if (one.firstBytes != other.firstBytes) return one.firstBytes < other.firstBytes;
+  return one.folded() < other.folded();
 }
 
 std::uint32_t CategoryIndex::positionOf(std::uint32_t id) const {
@@ -43,6 +47,7 @@ void CategoryIndex::rename(Name& name, const NamedId& entry) {
       if (!isNew) placeEntries();
       name.foldedBytes = foldedNames_.keep(folded).data();
       name.size = static_cast<std::uint32_t>(folded.size());
+      name.firstBytes = nameBytesAt(folded, 0);
     }
   }
   name.named = &entry;
@@ -50,9 +55,11 @@ void CategoryIndex::rename(Name& name, const NamedId& entry) {
 
 void CategoryIndex::placeEntries() {
   if (placed_) return;
-  auto placed = std::make_unique<Placed>(ByLiveName{this});
+  const ArenaAllocator<Placed::value_type> allocator(placedEntries_);
+  void* const place = placedEntries_.allocate(sizeof(Placed), alignof(Placed));
+  auto* const placed = new (place) Placed(ByLiveName{this}, allocator);
   entries_.forEach([&](std::uint32_t name, std::uint32_t track) { placed->emplace(name, track); });
-  placed_ = std::move(placed);
+  placed_ = placed;
   entries_.clear();
 }
 
@@ -78,6 +85,7 @@ void CategoryIndex::insert(std::uint32_t id, std::uint32_t track) {
                                        static_cast<char>(id >> 8), static_cast<char>(id)};
     name.foldedBytes = foldedNames_.keep({bytes.data(), bytes.size()}).data();
     name.size = bytes.size();
+    name.firstBytes = nameBytesAt(name.folded(), 0);
   }
   add(position, track);
 }
@@ -146,7 +154,8 @@ void CategoryIndex::eraseId(std::uint32_t id) {
 }
 
 void CategoryIndex::clear() {
-  placed_.reset();
+  placed_ = nullptr;
+  placedEntries_.clear();
   entries_.clear();
   release(names_);
   nameById_.clear();

@@ -3,14 +3,15 @@
 #include <array>
 #include <cstdint>
 #include <map>
-#include <memory>
 #include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "inventory/category_entries.h"
 #include "inventory/id_map.h"
 #include "tree/arena.h"
+#include "tree/arena_allocator.h"
 #include "tree/huge_pages.h"
 #include "tree/named_id.h"
 #include "tree/prefetch.h"
@@ -76,6 +77,7 @@ class CategoryIndex {
   struct Name {
     const NamedId* named = nullptr;     // nullptr where ids have no names
     const char* foldedBytes = nullptr;  // of the name; otherwise of the id, the highest first
+    std::uint64_t firstBytes = 0;       // of those: see nameBytesAt
     std::uint32_t size = 0;             // of them
     std::uint32_t id = 0;
 
@@ -87,7 +89,8 @@ class CategoryIndex {
     const CategoryIndex* index;
     bool operator()(std::uint32_t a, std::uint32_t b) const { return index->orders(a, b); }
   };
-  using Placed = std::multimap<std::uint32_t, std::uint32_t, ByLiveName>;
+  using Placed = std::multimap<std::uint32_t, std::uint32_t, ByLiveName,
+                               ArenaAllocator<std::pair<const std::uint32_t, std::uint32_t>>>;
 
   static constexpr std::uint32_t kUnknown = 0xFFFFFFFF;
 
@@ -109,9 +112,11 @@ class CategoryIndex {
   mutable std::array<Found, 256> found_;
   Arena foldedNames_;
 
-  // Either all entries as they came, or, once that doesn't determine their order, all in place.
+  // Either all entries as they came, or, once that doesn't determine their order, all in place: in
+  // an arena, with which they go without a look at any.
   CategoryEntries entries_;
-  std::unique_ptr<Placed> placed_;
+  Arena placedEntries_;
+  Placed* placed_ = nullptr;
 };
 
 }  // namespace Orvane
