@@ -81,7 +81,7 @@ void readTracks(TrackManager& manager, const char* path, LaterTracks& laterTrack
         batch.read(reader, path, kBatchLines, true);
         return true;
       },
-      [&](const TrackBatch& batch) { addTracks(manager, batch, laterTracks); });
+      [](TrackBatch&) {}, [&](const TrackBatch& batch) { addTracks(manager, batch, laterTracks); });
 }
 
 // The lines of a playlists file. Most are media ids: where the next ones lead is asked for in time.

@@ -14,7 +14,7 @@ template <typename Record>
 class LinkedTableReader {
  public:
   explicit LinkedTableReader(const LinkedTable<Record>& table)
-      : table_(table),
+      : table_(&table),
         leaf_(table.leaves_.begin()),
         run_(table.runs_.begin()),
         linked_(table.linked_.begin()) {}
@@ -23,15 +23,14 @@ class LinkedTableReader {
   // record of a leaf that is a track's number.
   template <typename OfTrack>
   void read(std::vector<Record>& records, std::size_t most, OfTrack ofTrack) {
-    const std::size_t count = std::min<std::size_t>(most, table_.size() - at_);
-    const auto end = static_cast<std::uint32_t>(at_ + count);
-    records.resize(count);
+    const std::uint32_t end = endOf(most);
+    records.resize(end - at_);
     auto record = records.begin();
     while (at_ < end) {
-      if (linked_ != table_.linked_.end() && linked_->position == at_) {
+      if (linked_ != table_->linked_.end() && linked_->position == at_) {
         *record++ = linked_++->record;
         ++at_;
-      } else if (run_ != table_.runs_.end() && run_->begin <= at_) {
+      } else if (run_ != table_->runs_.end() && run_->begin <= at_) {
         const std::uint32_t runEnd = std::min(run_->end, end);
         while (at_ < runEnd) *record++ = ofTrack(run_->tracks[at_++ - run_->begin]);
         if (at_ == run_->end) ++run_;
@@ -42,10 +41,30 @@ class LinkedTableReader {
     }
   }
 
+  // Leaves out what read() would give. False at the end.
+  bool skip(std::size_t most) {
+    const std::uint32_t end = endOf(most);
+    if (at_ == end) return false;
+    auto leaves = static_cast<std::ptrdiff_t>(end - at_);
+    for (; linked_ != table_->linked_.end() && linked_->position < end; ++linked_) --leaves;
+    while (run_ != table_->runs_.end() && run_->begin < end) {
+      leaves -= static_cast<std::ptrdiff_t>(std::min(run_->end, end) - std::max(run_->begin, at_));
+      if (run_->end > end) break;
+      ++run_;
+    }
+    leaf_ += leaves;
+    at_ = end;
+    return true;
+  }
+
  private:
   using Table = LinkedTable<Record>;
 
-  const Table& table_;
+  std::uint32_t endOf(std::size_t most) const {
+    return static_cast<std::uint32_t>(at_ + std::min<std::size_t>(most, table_->size() - at_));
+  }
+
+  const Table* table_;
   typename LargeVector<typename Table::Leaf>::const_iterator leaf_;
   typename LargeVector<typename Table::Run>::const_iterator run_;
   typename LargeVector<typename Table::Linked>::const_iterator linked_;

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "output/file_header.h"
@@ -21,23 +22,34 @@ namespace {
 // What the records are filled from is all over the memory.
 void putTable(const NodeTable& table, const TrackTable* tracks, RecordSink& sink) {
   constexpr std::size_t kRecordsAtATime = 1024;
+  struct Block {
+    std::optional<LinkedTableReader<NodeRecord>> from;
+    std::vector<NodeRecord> links;
+    std::vector<std::array<std::uint8_t, kNodeRecordSize>> records;
+  };
   LinkedTableReader<NodeRecord> reader(table);
-  std::vector<NodeRecord> records;
-  ChildView view(tracks);
-  using Block = std::vector<std::array<std::uint8_t, kNodeRecordSize>>;
-  sink.putBlocks<Block>(table.size(), [&](Block& block) {
-    reader.read(records, kRecordsAtATime,
-                [](std::uint32_t track) { return NodeRecord::ofLeaf(Child::ofTrack(track)); });
-    block.resize(records.size());
-    forEachPrefetched(
-        records.size(),
-        [&](std::size_t i) {
-          fillNodeRecord(view(records[i].child), block[i]);
-          storeU32(&block[i][0], records[i].firstChildIndex);
-        },
-        [&](std::size_t i) { view.expect(records[i].child, 0); },
-        [&](std::size_t i) { view.expect(records[i].child, 1); });
-  });
+  sink.putBlocks<Block>(
+      table.size(),
+      [&](Block& block) {
+        block.from = reader;
+        return reader.skip(kRecordsAtATime);
+      },
+      [&](Block& block) {
+        ChildView view(tracks);
+        const std::vector<NodeRecord>& links = block.links;
+        block.from->read(block.links, kRecordsAtATime, [](std::uint32_t track) {
+          return NodeRecord::ofLeaf(Child::ofTrack(track));
+        });
+        block.records.resize(links.size());
+        forEachPrefetched(
+            links.size(),
+            [&](std::size_t i) {
+              fillNodeRecord(view(links[i].child), block.records[i]);
+              storeU32(&block.records[i][0], links[i].firstChildIndex);
+            },
+            [&](std::size_t i) { view.expect(links[i].child, 0); },
+            [&](std::size_t i) { view.expect(links[i].child, 1); });
+      });
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 
 #include "io/buffer.h"
@@ -28,21 +29,21 @@ class RecordSink {
     }
   }
 
-  // The same for `count` records of which each call of `encodeNext(block)` encodes the next ones,
-  // by another thread where that is worth it; none when all are. A Block is a sequence of them.
-  template <typename Block, typename EncodeNext>
-  void putBlocks(std::size_t count, EncodeNext encodeNext) {
-    const auto encode = [&](Block& block) {
-      encodeNext(block);
-      return !block.empty();
-    };
+  // The same for `count` records, block by block: `take(block)` says which come next, or returns
+  // false when there are no more, `make(block)` makes them, and `bytesOf(record)` is what goes out
+  // of each of `block.records`. Where that is worth it, two threads do that: see forEachMadeAhead.
+  template <typename Block, typename Take, typename Make, typename BytesOf = std::identity>
+  void putBlocks(std::size_t count, Take take, Make make, BytesOf bytesOf = {}) {
     const auto putBlock = [&](const Block& block) {
-      for (const auto& record : block) put(record);
+      for (const auto& record : block.records) put(bytesOf(record));
     };
     if (workersFor(count) > 1) {
-      forEachMadeAhead<Block>(encode, putBlock);
-    } else {
-      for (Block block; encode(block);) putBlock(block);
+      forEachMadeAhead<Block>(take, make, putBlock);
+      return;
+    }
+    for (Block block; take(block);) {
+      make(block);
+      putBlock(block);
     }
   }
 

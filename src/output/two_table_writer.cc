@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -21,33 +22,50 @@ namespace {
 
 void putTreeTable(const TreeTable& treeTable, const DataRecordIndex& idMap, RecordSink& sink) {
   constexpr std::size_t kRecordsAtATime = 4096;
+  struct Block {
+    std::optional<LinkedTableReader<TreeRecord>> from;
+    std::vector<TreeRecord> records;
+  };
   LinkedTableReader<TreeRecord> reader(treeTable);
-  std::vector<TreeRecord> records;
-  using Block = std::vector<TreeRecord::Bytes>;
-  sink.putBlocks<Block>(treeTable.size(), [&](Block& block) {
-    reader.read(records, kRecordsAtATime,
-                [&](std::uint32_t track) { return TreeRecord::ofLeaf(idMap.records[track]); });
-    block.resize(records.size());
-    std::transform(records.begin(), records.end(), block.begin(),
-                   [](const TreeRecord& record) { return record.encode(); });
-  });
+  sink.putBlocks<Block>(
+      treeTable.size(),
+      [&](Block& block) {
+        block.from = reader;
+        return reader.skip(kRecordsAtATime);
+      },
+      [&](Block& block) {
+        block.from->read(block.records, kRecordsAtATime, [&](std::uint32_t track) {
+          return TreeRecord::ofLeaf(idMap.records[track]);
+        });
+      },
+      [](const TreeRecord& record) { return record.encode(); });
 }
 
 // What the records are filled from is all over the memory.
 void putDataTable(const DataTable& dataTable, const TrackTable* tracks, RecordSink& sink) {
   constexpr std::size_t kRecordsAtATime = 1024;
+  struct Block {
+    std::span<const Child> children;
+    std::vector<std::array<std::uint8_t, kDataRecordSize>> records;
+  };
   std::span<const Child> left = dataTable;
-  ChildView view(tracks);
-  using Block = std::vector<std::array<std::uint8_t, kDataRecordSize>>;
-  sink.putBlocks<Block>(dataTable.size(), [&](Block& block) {
-    const std::span<const Child> children = left.first(std::min(left.size(), kRecordsAtATime));
-    left = left.subspan(children.size());
-    block.resize(children.size());
-    forEachPrefetched(
-        children.size(), [&](std::size_t i) { fillDataRecord(view(children[i]), block[i]); },
-        [&](std::size_t i) { view.expect(children[i], 0); },
-        [&](std::size_t i) { view.expect(children[i], 1); });
-  });
+  sink.putBlocks<Block>(
+      dataTable.size(),
+      [&](Block& block) {
+        block.children = left.first(std::min(left.size(), kRecordsAtATime));
+        left = left.subspan(block.children.size());
+        return !block.children.empty();
+      },
+      [&](Block& block) {
+        ChildView view(tracks);
+        const std::span<const Child> children = block.children;
+        block.records.resize(children.size());
+        forEachPrefetched(
+            children.size(),
+            [&](std::size_t i) { fillDataRecord(view(children[i]), block.records[i]); },
+            [&](std::size_t i) { view.expect(children[i], 0); },
+            [&](std::size_t i) { view.expect(children[i], 1); });
+      });
 }
 
 void layOut(const MenuTree& tree, TreeTable& treeTable, DataTable& dataTable,

@@ -4,7 +4,7 @@
 #include <atomic>
 #include <cstddef>
 #include <exception>
-#include <semaphore>
+#include <mutex>
 #include <thread>
 
 namespace Orvane {
@@ -13,70 +13,123 @@ namespace Orvane {
 // stay in the caches, if they are small.
 inline constexpr std::size_t kManyAhead = 16;
 
-// Calls `make(item)` again and again, as long as it returns true, and `use(item)` with each item so
-// made, in order. Where the system has a thread to spare, items are made in one of their own, while
-// those before are used; `make` and `use` must then not look at what the other changes. At most
-// kMost items are there at a time.
-//
-// What `make` throws is thrown when the items before have been used, what `use` throws at once. In
-// either case no call is under way any more, which takes as long as the last one does.
-template <typename Item, std::size_t kMost = kManyAhead, typename Make, typename Use>
-void forEachMadeAhead(Make make, Use use) {
+// The items of one call of forEachMadeAhead, and what the two threads tell each other.
+template <typename Item, std::size_t kMost = kManyAhead>
+class MadeAhead {
+ public:
+  template <typename Take, typename Make, typename Use>
+  void forEach(Take take, Make make, Use use) {
+    std::thread helper;
+    try {
+      helper = std::thread([&] { help(take, make); });
+    } catch (const std::exception&) {  // for lack of threads or of memory
+      Item& item = places_[0].item;
+      while (take(item)) {
+        make(item);
+        use(item);
+      }
+      return;
+    }
+    const Joiner joiner{*this, helper};
+    for (std::size_t i = 0;; i = (i + 1) % kMost) {
+      Place& place = places_[i];
+      while (place.state != kMade) {
+        if (!makeNext(take, make)) place.state.wait(kTaken);
+      }
+      if (place.failure) std::rethrow_exception(place.failure);
+      if (place.isLast) return;
+      use(place.item);
+      place.state = kFree;
+      ++used_;
+      used_.notify_one();
+    }
+  }
+
+ private:
+  enum State { kFree, kTaken, kMade };
+
   struct Place {
     Item item;
+    std::atomic<State> state = kFree;
     bool isLast = false;  // there is no item in here, nor after it
-  };
-  std::array<Place, kMost> places;
-  constexpr auto kPlaces = static_cast<std::ptrdiff_t>(kMost);
-  using Semaphore = std::counting_semaphore<kPlaces>;
-  Semaphore made(0);
-  Semaphore free(kPlaces);
-  std::atomic<bool> isGivenUp = false;
-  std::exception_ptr failure;
-
-  const auto makeAll = [&] {
-    for (std::size_t i = 0;; i = (i + 1) % kMost) {
-      free.acquire();
-      if (isGivenUp) return;
-      try {
-        places[i].isLast = !make(places[i].item);
-      } catch (...) {
-        failure = std::current_exception();
-        places[i].isLast = true;
-      }
-      const bool isLast = places[i].isLast;  // the place may be gone once it is handed over
-      made.release();
-      if (isLast) return;
-    }
+    std::exception_ptr failure;
   };
 
-  std::thread maker;
-  try {
-    maker = std::thread(makeAll);
-  } catch (const std::exception&) {  // for lack of threads or of memory
-    while (make(places[0].item)) use(places[0].item);
-    return;
-  }
   struct Joiner {
-    std::thread& maker;
-    std::atomic<bool>& isGivenUp;
-    Semaphore& free;
+    MadeAhead& items;
+    std::thread& helper;
     ~Joiner() {
-      isGivenUp = true;
-      free.release();
-      maker.join();
+      items.isOver_ = true;
+      ++items.used_;
+      items.used_.notify_one();
+      helper.join();
     }
   };
-  {
-    const Joiner joiner{maker, isGivenUp, free};
-    for (std::size_t i = 0;; i = (i + 1) % kMost) {
-      made.acquire();
-      if (places[i].isLast) break;
-      use(places[i].item);
-      free.release();
+
+  // The helper's work: makes items whenever there is a place for one.
+  template <typename Take, typename Make>
+  void help(Take& take, Make& make) {
+    while (!isOver_) {
+      const unsigned used = used_;
+      if (!makeNext(take, make) && !isOver_) used_.wait(used);
     }
   }
-  if (failure) std::rethrow_exception(failure);
+
+  // Takes and makes the next item. False when there is no place for it, or none left.
+  template <typename Take, typename Make>
+  bool makeNext(Take& take, Make& make) {
+    Place* const place = takeNext(take);
+    if (place == nullptr) return false;
+    if (!place->isLast) {
+      try {
+        make(place->item);
+      } catch (...) {
+        place->failure = std::current_exception();
+      }
+    }
+    place->state = kMade;
+    place->state.notify_one();
+    return true;
+  }
+
+  template <typename Take>
+  Place* takeNext(Take& take) {
+    const std::lock_guard lock(taking_);
+    Place& place = places_[next_];
+    if (isOver_ || place.state != kFree) return nullptr;
+    try {
+      place.isLast = !take(place.item);
+    } catch (...) {
+      place.failure = std::current_exception();
+      place.isLast = true;
+    }
+    if (place.isLast) isOver_ = true;
+    place.state = kTaken;
+    next_ = (next_ + 1) % kMost;
+    return &place;
+  }
+
+  std::array<Place, kMost> places_;
+  std::mutex taking_;
+  std::size_t next_ = 0;  // the place of the next item to be taken
+  std::atomic<bool> isOver_ = false;
+  std::atomic<unsigned> used_ = 0;
+};
+
+// Calls `take(item)` again and again, as long as it returns true, then `make(item)`, and
+// `use(item)` with each item so made, in order. Where the system has a thread to spare, that one
+// makes items while those before are used; the caller's own makes some, too, rather than wait for
+// it.
+//
+// Items are taken in order, one at a time, but by either thread, and `use` is always called by the
+// caller's; `take` and `make` must not look at what `use` changes, nor `make` at what another
+// `make` or `take` does. At most kMost items are there at a time.
+//
+// What `take` or `make` throws is thrown when the items before have been used, what `use` throws at
+// once. In either case no call is under way any more, which takes as long as the last one does.
+template <typename Item, std::size_t kMost = kManyAhead, typename Take, typename Make, typename Use>
+void forEachMadeAhead(Take take, Make make, Use use) {
+  MadeAhead<Item, kMost>().forEach(take, make, use);
 }
 
 }  // namespace Orvane

@@ -44,12 +44,27 @@ class LinkedTables : public ::testing::Test {
     return all;
   }
 
+  // The same, by readers each of which begins where another has skipped to.
+  std::vector<std::uint32_t> readBySkipping(std::size_t atATime) const {
+    LinkedTableReader<Entry> reader(table_);
+    std::vector<Entry> some;
+    std::vector<std::uint32_t> all;
+    for (LinkedTableReader<Entry> from = reader; reader.skip(atATime); from = reader) {
+      from.read(some, atATime, ofTrack);
+      for (const Entry& entry : some) all.push_back(entry.from);
+    }
+    reader.read(some, atATime, ofTrack);
+    EXPECT_THAT(some, IsEmpty());
+    return all;
+  }
+
   LinkedTable<Entry> table_;
 };
 
 TEST_F(LinkedTables, OfNothingGiveNothing) {
   EXPECT_EQ(table_.size(), 0U);
   EXPECT_THAT(read(5), IsEmpty());
+  EXPECT_THAT(readBySkipping(5), IsEmpty());
 }
 
 TEST_F(LinkedTables, KeepTheOrderOfAllKinds) {
@@ -71,6 +86,7 @@ TEST_F(LinkedTables, KeepTheOrderOfAllKinds) {
     EXPECT_THAT(read(atATime),
                 ElementsAre(1U, 1005U, 1003U, 1009U, 1003U, 1007U, 2U, 3U, 4U, 1005U, 6U, 7U, 8U))
         << atATime << " at a time";
+    EXPECT_EQ(readBySkipping(atATime), read(atATime)) << atATime << " at a time";
   }
 }
 
