@@ -8,6 +8,7 @@
 
 namespace Orvane {
 
+// Makes a fresh node a menu. The name's bytes must outlive it, here and below.
 inline void fillMenu(MenuNode& menu, std::string_view name, std::uint32_t recType,
                      std::uint32_t id) {
   menu.setBorrowedName(name);
@@ -16,7 +17,6 @@ inline void fillMenu(MenuNode& menu, std::string_view name, std::uint32_t recTyp
   menu.setMediaId(id);
 }
 
-// The name's bytes must outlive the menu.
 inline MenuNode& appendMenu(MenuNode& parent, std::string_view name, std::uint32_t recType,
                             std::uint32_t id) {
   return parent.appendChild([&](MenuNode& menu) { fillMenu(menu, name, recType, id); });

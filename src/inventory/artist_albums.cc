@@ -39,13 +39,14 @@ std::uint32_t ArtistAlbums::findOrAppend(const Track& track) {
   const std::uint32_t hash = hashNameAndId(name, id) + artist_ * 0x9E3779B9U;
   std::uint32_t album = albumIndex_.findOrInsert(hash, next, [&](std::uint32_t candidate) {
     const Album& other = albums_[candidate];
-    return other.artist == menu_ && other.menu->getMediaId() == id && other.menu->getName() == name;
+    return candidate >= firstAlbum_ && other.menu->getMediaId() == id &&
+           other.menu->getName() == name;
   });
   // It is the whole name that is looked for among the stored ones: one too long to be stored whole
   // is never found, and each such track gets an album menu to itself.
   const bool isShortened = fullName.size() > name.size();
   if (isShortened) album = next;
-  if (album == next) albums_.push_back({menu_, &appendAlbum(*menu_, track)});
+  if (album == next) albums_.push_back({&appendAlbum(*menu_, track)});
   recent = {address, isShortened ? 0 : artist_, album};
   return album;
 }

@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include "tree/huge_pages.h"
 #include "tree/menu_node.h"
 #include "tree/position_index.h"
 #include "tree/track.h"
@@ -28,7 +29,6 @@ class ArtistAlbums {
 
  private:
   struct Album {
-    const MenuNode* artist;
     MenuNode* menu;
     std::uint32_t trackCount = 0;
     std::uint32_t nextTrack = 0;  // where its next number goes
@@ -50,8 +50,8 @@ class ArtistAlbums {
   MenuNode* menu_ = nullptr;                // of the artist
   std::uint32_t artist_ = 0;                // counted from 1, so that no Recent is one's by mistake
   std::size_t firstAlbum_ = 0;              // of the artist's
-  std::vector<std::uint32_t> albumsAdded_;  // of each track added, in albums_
-  std::vector<std::uint32_t> numbersAdded_;
+  LargeVector<std::uint32_t> albumsAdded_;  // of each track added, in albums_
+  LargeVector<std::uint32_t> numbersAdded_;
 };
 
 }  // namespace Orvane

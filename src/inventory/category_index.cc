@@ -1,6 +1,7 @@
 #include "inventory/category_index.h"
 
 #include <algorithm>
+#include <new>
 #include <numeric>
 #include <string>
 #include <utility>

@@ -113,7 +113,7 @@ class CategoryIndex {
   Arena foldedNames_;
 
   // Either all entries as they came, or, once that doesn't determine their order, all in place: in
-  // an arena, with which they go without a look at any.
+  // an arena, with which they go without a look at any, those that were erased, too.
   CategoryEntries entries_;
   Arena placedEntries_;
   Placed* placed_ = nullptr;

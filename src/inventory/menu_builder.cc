@@ -11,6 +11,7 @@
 
 #include "inventory/append_menu.h"
 #include "inventory/artist_albums.h"
+#include "tree/huge_pages.h"
 #include "tree/parallel.h"
 #include "tree/position_index.h"
 #include "tree/prefetch.h"
@@ -50,14 +51,14 @@ void expectAlbum(const Track& track) {
 
 // Goes through the tracks of a category's entries, in order, and the runs of equal ids in them:
 // calls `start` with the first track of each run, `add` with each track, and `finish` with the
-// numbers of the run, which the tree of `menu` keeps. Before that, `expect` is called with each
-// track, in time to ask for what the others look at beyond it.
+// numbers of the run, which the tree keeps. A while before a track is gone through, `expect` is
+// called with it, to ask for what the others look at beyond it.
 template <typename Start, typename Add, typename Finish, typename... Expect>
-void forEachRun(const TrackIndex& index, const CategoryIndex& category, MenuNode& menu,
+void forEachRun(const TrackIndex& index, const CategoryIndex& category, MenuTree& tree,
                 std::uint32_t (Track::*idOf)() const, Start start, Add add, Finish finish,
                 Expect... expect) {
   const TrackTable& tracks = index.getTracksByNumber();
-  const std::span<TrackIndex::Number> numbers = menu.keepNumbers(category.tracksInOrder());
+  const std::span<TrackIndex::Number> numbers = tree.keepNumbers(category.tracksInOrder());
   std::size_t begin = 0;
   std::uint32_t id = 0;
   forEachPrefetched(
@@ -80,10 +81,10 @@ void forEachRun(const TrackIndex& index, const CategoryIndex& category, MenuNode
 
 // The same where tracks are of no interest in themselves.
 template <typename Start, typename Finish>
-void forEachRun(const TrackIndex& index, const CategoryIndex& category, MenuNode& menu,
+void forEachRun(const TrackIndex& index, const CategoryIndex& category, MenuTree& tree,
                 std::uint32_t (Track::*idOf)() const, Start start, Finish finish) {
   forEachRun(
-      index, category, menu, idOf, start, [](const Track&) {}, finish);
+      index, category, tree, idOf, start, [](const Track&) {}, finish);
 }
 
 }  // namespace
@@ -107,7 +108,7 @@ void addArtistsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& categ
   tree.setTrackTable(index.getTracksByNumber());
   ArtistAlbums albums;
   forEachRun(
-      index, index.getArtists(), category, &Track::getArtistId,
+      index, index.getArtists(), tree, &Track::getArtistId,
       [&](const Track& track) {
         albums.startArtist(
             appendMenu(category, track.getArtistName(), RecType::kArtist, track.getArtistId()));
@@ -126,7 +127,7 @@ void addAlbumsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& catego
   PositionIndex albumIndex;
   MenuNode* album = nullptr;
   forEachRun(
-      index, index.getAlbums(), category, &Track::getAlbumId,
+      index, index.getAlbums(), tree, &Track::getAlbumId,
       [&](const Track& track) {
         const std::string_view name = MenuNode::storedForm(track.getAlbumName());
         const auto next = static_cast<std::uint32_t>(albums.size());
@@ -138,7 +139,8 @@ void addAlbumsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& catego
         if (found == next) albums.push_back(&appendAlbum(category, track));
         album = albums[found];
       },
-      [&](std::span<TrackIndex::Number> numbers) { leaves.append(*album, numbers); });
+      [](const Track&) {},
+      [&](std::span<TrackIndex::Number> numbers) { leaves.append(*album, numbers); }, expectAlbum);
 }
 
 void addSongsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& category) {
@@ -153,7 +155,7 @@ void addSongsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& categor
     numbers.push_back(number);
   }
   const std::size_t numbered = numbers.size();
-  leaves.append(category, category.keepNumbers(std::move(numbers)));
+  leaves.append(category, tree.keepNumbers(std::move(numbers)));
   for (const Track* const track : tracks.subspan(numbered)) leaves.append(category, *track);
 }
 
@@ -162,7 +164,7 @@ void addGenresMenu(const TrackManager& manager, MenuTree& tree, MenuNode& catego
   const LeafMaker leaves(index, tree);
   MenuNode* genre = nullptr;
   forEachRun(
-      index, index.getGenres(), category, &Track::getGenreId,
+      index, index.getGenres(), tree, &Track::getGenreId,
       [&](const Track& track) {
         genre = &appendMenu(category, track.getGenreName(), RecType::kGenre, track.getGenreId());
       },
@@ -190,7 +192,7 @@ void addRatingsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& categ
   }
   std::uint32_t rating = 0;
   forEachRun(
-      index, index.getRatings(), category, &Track::getRating,
+      index, index.getRatings(), tree, &Track::getRating,
       [&](const Track& track) { rating = track.getRating(); },
       [&](std::span<TrackIndex::Number> numbers) {
         if (rating >= 1 && rating <= menus.size()) leaves.append(*menus[rating - 1], numbers);

@@ -14,8 +14,8 @@ namespace Orvane {
 // only for lack of memory.
 void buildMenuFromInventory(const TrackManager& manager, MenuTree& tree);
 
-// The parts of buildMenuFromInventory, each filling its category's menu, which must be one that the
-// tree has made. A track has a leaf of its own in every place where it belongs.
+// The parts of buildMenuFromInventory, each filling its category's menu, which must be empty. A
+// track has a leaf of its own in every place where it belongs.
 
 // A menu a playlist, in their order, with a leaf an entry.
 void addPlaylistsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& category);

@@ -2,7 +2,6 @@
 
 #include <cstring>
 #include <ext/stdio_filebuf.h>
-#include <fstream>
 #include <istream>
 #include <string>
 
@@ -11,7 +10,8 @@
 namespace Orvane {
 
 // A std::fstream that lets small pieces be put straight into its buffer: a million tracks' records
-// go through it one by one. What put() takes reaches the file in whole buffers, but for the last.
+// go through it one by one. What put() takes reaches the file in whole buffers, but for the last,
+// and of a large file the disk gets it while it is written (see WriteBehind).
 class FileStream : public std::iostream {
  public:
   FileStream() : std::iostream(nullptr) { rdbuf(&file_); }
@@ -35,6 +35,7 @@ class FileStream : public std::iostream {
   bool put(const char* data, std::streamsize size) { return file_.put(data, size); }
 
  private:
+  // The C++ library's own kind of std::filebuf: it tells its descriptor.
   struct File : __gnu_cxx::stdio_filebuf<char> {
     bool put(const char* data, std::streamsize size) {
       if (size < 0) return false;

@@ -5,9 +5,11 @@
 namespace Orvane {
 
 // Keeps a large file that is being written from taking the system's memory: the disk is to take
-// what was written at once, and all but the last kKept bytes are then forgotten. To make pages for
-// a file takes many times as long as a fast disk does, on a virtual machine at least, and pages
-// that others use would have to go for them. Nothing happens to files of up to kKept bytes.
+// what was written at once, and all but the last kKept bytes are then forgotten, as far as the disk
+// has them by then. To make pages for a file takes many times as long as a fast disk does, on a
+// virtual machine at least, and pages that others use would have to go for them. On a slow disk it
+// may take longer: the system waits where it has too much on the way to it. Nothing happens to
+// files of up to kKept bytes.
 class WriteBehind {
  public:
   static constexpr std::int64_t kKept = std::int64_t{16} << 20;

@@ -34,7 +34,7 @@ class MadeAhead {
     for (std::size_t i = 0;; i = (i + 1) % kMost) {
       Place& place = places_[i];
       while (place.state != kMade) {
-        if (!makeNext(take, make)) place.state.wait(kTaken);
+        if (!makeNext(take, make, std::try_to_lock)) place.state.wait(kTaken);
       }
       if (place.failure) std::rethrow_exception(place.failure);
       if (place.isLast) return;
@@ -75,16 +75,18 @@ class MadeAhead {
     }
   }
 
-  // Takes and makes the next item. False when there is no place for it, or none left.
-  template <typename Take, typename Make>
-  bool makeNext(Take& take, Make& make) {
-    Place* const place = takeNext(take);
+  // Takes and makes the next item. False when there is no place for it, or none left, or, with
+  // std::try_to_lock, while the other thread takes one.
+  template <typename Take, typename Make, typename... TryToLock>
+  bool makeNext(Take& take, Make& make, TryToLock... tryToLock) {
+    Place* const place = takeNext(take, tryToLock...);
     if (place == nullptr) return false;
     if (!place->isLast) {
       try {
         make(place->item);
       } catch (...) {
         place->failure = std::current_exception();
+        isOver_ = true;
       }
     }
     place->state = kMade;
@@ -92,11 +94,14 @@ class MadeAhead {
     return true;
   }
 
-  template <typename Take>
-  Place* takeNext(Take& take) {
-    const std::lock_guard lock(taking_);
+  template <typename Take, typename... TryToLock>
+  Place* takeNext(Take& take, TryToLock... tryToLock) {
+    const std::unique_lock lock(taking_, tryToLock...);
+    if (!lock.owns_lock()) return nullptr;
     Place& place = places_[next_];
     if (isOver_ || place.state != kFree) return nullptr;
+    place.state = kTaken;
+    next_ = (next_ + 1) % kMost;
     try {
       place.isLast = !take(place.item);
     } catch (...) {
@@ -104,8 +109,6 @@ class MadeAhead {
       place.isLast = true;
     }
     if (place.isLast) isOver_ = true;
-    place.state = kTaken;
-    next_ = (next_ + 1) % kMost;
     return &place;
   }
 

@@ -199,6 +199,7 @@ void MenuNode::growChildren() {
 void MenuNode::growNumbers() {
   Branch& branch = ownBranch();
   if (branch.count < branch.capacity) return;
+  // Not twice the capacity: that is 0 for somebody else's array.
   const std::uint32_t capacity = std::max(2U, std::bit_ceil(branch.count + 1));
   auto* const grown = branch.arena()->makeArray<std::uint32_t>(capacity);
   std::copy(branch.numbers, branch.numbers + branch.count, grown);
@@ -241,10 +242,6 @@ void MenuNode::appendLeaves(const TrackTable& tracks, std::span<std::uint32_t> n
     branch.count = static_cast<std::uint32_t>(numbers.size());
     branch.hasNumbers = true;
   }
-}
-
-std::span<std::uint32_t> MenuNode::keepNumbers(LargeVector<std::uint32_t> numbers) {
-  return branch_->arena()->keep(std::move(numbers));
 }
 
 const TrackTable* MenuNode::getTrackTable() const {

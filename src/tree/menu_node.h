@@ -7,7 +7,6 @@
 #include <string_view>
 
 #include "tree/child.h"
-#include "tree/huge_pages.h"
 #include "tree/prefetch.h"
 #include "tree/track.h"
 
@@ -153,11 +152,9 @@ class MenuNode {
   void appendLeaf(const TrackTable& tracks, std::uint32_t number);
 
   // The same for several, in this order. A menu without children uses the numbers where they are:
-  // they must outlive the node, and may be put in another order.
+  // they must outlive the node, be no other menu's, and may be put in another order. See
+  // MenuTree::keepNumbers.
   void appendLeaves(const TrackTable& tracks, std::span<std::uint32_t> numbers);
-
-  // Keeps numbers for appendLeaves() as long as the tree lives whose own node this is.
-  std::span<std::uint32_t> keepNumbers(LargeVector<std::uint32_t> numbers);
 
   // The table in which the numbers among the children are looked up, here and beneath; nullptr when
   // there can't be any.

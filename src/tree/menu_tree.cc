@@ -32,6 +32,11 @@ void MenuTree::setTrackTable(const TrackTable& tracks) {
   arena_->setTrackTable(tracks);
 }
 
+std::span<std::uint32_t> MenuTree::keepNumbers(LargeVector<std::uint32_t> numbers) {
+  const std::lock_guard lock(keeping_);
+  return keptNumbers_.emplace_back(std::move(numbers));
+}
+
 bool MenuTree::addChildToRoot(std::unique_ptr<MenuNode> child) {
   return addChild(getRoot(), std::move(child));
 }

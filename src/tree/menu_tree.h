@@ -3,8 +3,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <mutex>
+#include <span>
 #include <vector>
 
+#include "tree/huge_pages.h"
 #include "tree/menu_node.h"
 
 namespace Orvane {
@@ -46,6 +49,10 @@ class MenuTree {
   void setTrackTable(const TrackTable& tracks);
   const TrackTable* getTrackTable() const { return root_->getTrackTable(); }
 
+  // Keeps numbers for MenuNode::appendLeaves as long as the tree lives, where they are. Several
+  // threads may ask at once.
+  std::span<std::uint32_t> keepNumbers(LargeVector<std::uint32_t> numbers);
+
   // Puts the children of album, artist and genre menus (recType 3 to 5) and of menus named
   // "Artists", "Albums", "Geners" or "Songs" in the order of their names as unsigned bytes,
   // everywhere beneath `node`; the node's own children keep their order. Among equal names the
@@ -65,6 +72,8 @@ class MenuTree {
   std::unique_ptr<NodeArena> arena_;
   std::vector<std::unique_ptr<NodeArena>> arenasApart_;  // of subtrees
   MenuNode* root_;
+  std::mutex keeping_;
+  std::vector<LargeVector<std::uint32_t>> keptNumbers_;
 };
 
 }  // namespace Orvane

@@ -2,14 +2,11 @@
 
 #include <array>
 #include <cstddef>
-#include <cstdint>
 #include <memory>
-#include <span>
 #include <utility>
 #include <vector>
 
 #include "tree/arena.h"
-#include "tree/huge_pages.h"
 #include "tree/menu_node.h"
 
 namespace Orvane {
@@ -32,11 +29,6 @@ class NodeArena {
 
   // Takes over a node from elsewhere with all that is beneath it.
   void adopt(std::unique_ptr<MenuNode> node) { adopted_.push_back(std::move(node)); }
-
-  // Keeps numbers of tracks.
-  std::span<std::uint32_t> keep(LargeVector<std::uint32_t> numbers) {
-    return keptNumbers_.emplace_back(std::move(numbers));
-  }
 
  private:
   friend class MenuNode;
@@ -63,7 +55,6 @@ class NodeArena {
   std::array<std::vector<void*>, 64> spareArrays_;         // by the size's power of two
   MenuNode::Branch plain_ = MenuNode::Branch(this, true);  // stands for that of a node without any
   std::vector<std::unique_ptr<MenuNode>> adopted_;
-  std::vector<LargeVector<std::uint32_t>> keptNumbers_;
 };
 
 }  // namespace Orvane

@@ -230,7 +230,7 @@ class KeptTrackChildren : public TrackChildren {
  protected:
   KeptTrackChildren() {
     for (const char* const title : {"c", "a", "b"}) addTrack(1, title);
-    kept_ = root_.keepNumbers({1, 2, 3});
+    kept_ = tree_.keepNumbers({1, 2, 3});
   }
 
   MenuNode& songs_ = root_.appendChild([](MenuNode& menu) { menu.setName("Songs"); });

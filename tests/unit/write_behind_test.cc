@@ -25,7 +25,7 @@ class WriteBehindTest : public ::testing::Test {
     ASSERT_NE(fd_, -1);
     append(1);
     ASSERT_EQ(::posix_fadvise(fd_, 0, 0, POSIX_FADV_DONTNEED), 0);
-    if (mebibytesInMemory(0, 1) != 0) GTEST_SKIP() << "this file system is all memory";
+    canForget_ = mebibytesInMemory(0, 1) == 0;  // a file system may be all memory
   }
   void TearDown() override { ::close(fd_); }
 
@@ -58,12 +58,13 @@ class WriteBehindTest : public ::testing::Test {
   const TempDir dir_;
   const int fd_ = ::open((dir_ / "file").c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
   WriteBehind behind_;
+  bool canForget_ = false;
 };
 
 TEST_F(WriteBehindTest, AFileThatIsNotLargeStaysInMemory) {
   append(kKept - 1);
   behind_.follow(fd_);
-  EXPECT_EQ(mebibytesInMemory(1, kKept), kKept - 1);  // the first one was forgotten in the setup
+  EXPECT_EQ(mebibytesInMemory(1, kKept), kKept - 1);  // the first one went in the setup
 }
 
 TEST_F(WriteBehindTest, OfALargeFileTheEndStaysInMemory) {
@@ -72,18 +73,20 @@ TEST_F(WriteBehindTest, OfALargeFileTheEndStaysInMemory) {
     append(2);
     behind_.follow(fd_);
   }
-  EXPECT_EQ(mebibytesInMemory(0, end - kKept), 0);
+  EXPECT_EQ(mebibytesInMemory(0, end - kKept), canForget_ ? 0 : end - kKept);
   EXPECT_EQ(mebibytesInMemory(end - kKept, end), kKept);
   EXPECT_EQ(::lseek(fd_, 0, SEEK_CUR), end * kMebibyte);
 }
 
 TEST_F(WriteBehindTest, BytesWrittenOnceMoreAreLeftAlone) {
-  append(kKept + 1);
+  append(kKept + 24);
   behind_.follow(fd_);
   ASSERT_EQ(::lseek(fd_, 0, SEEK_SET), 0);
+  append(kKept + 4);
+  behind_.follow(fd_);
   append(2);
   behind_.follow(fd_);
-  EXPECT_EQ(mebibytesInMemory(0, 2), 2);
+  EXPECT_EQ(mebibytesInMemory(0, kKept + 6), kKept + 6);
 }
 
 }  // namespace
