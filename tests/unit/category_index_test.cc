@@ -117,8 +117,10 @@ class CategoryIndexChanges : public NamedCategory {
   std::uint32_t below(std::size_t limit) { return static_cast<std::uint32_t>(random_() % limit); }
 
   std::string randomName(std::size_t alphabet) {
-    static const std::array<std::string, 12> kNames{
-        "m", "a", "z", "M", "A", "", "ab", "\xC3\xA9", "aB", "\x80", std::string("a\0", 2), "am"};
+    static const std::array<std::string, 15> kNames{
+        "m",           "a",  "z",         "M",        "A",  "",     "long name B",
+        "Long Name a", "ab", "long name", "\xC3\xA9", "aB", "\x80", std::string("a\0", 2),
+        "am"};
     return kNames.at(below(std::min(alphabet, kNames.size())));
   }
 
@@ -158,7 +160,7 @@ TEST_F(CategoryIndexChanges, OfNamesAfterSteadyOnes) {
       insert(id, std::string(1, static_cast<char>('k' - id % 5)));
     }
     ASSERT_NO_FATAL_FAILURE(expectSame());
-    for (std::uint32_t entries = below(30); entries-- > 0;) insert(below(12), randomName(12));
+    for (std::uint32_t entries = below(30); entries-- > 0;) insert(below(12), randomName(15));
     ASSERT_NO_FATAL_FAILURE(expectSame());
   }
 }
