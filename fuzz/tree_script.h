@@ -51,7 +51,7 @@ class TreeScript {
   std::deque<std::string> borrowed_;           // outlives the tree, which refers to it
   std::deque<Track> tracks_;                   // so do these
   std::deque<plain::PlainTrack> plainTracks_;  // the same
-  TrackTable trackTable_ = {nullptr};
+  TrackTable trackTable_;
   std::deque<std::vector<std::uint32_t>> numbers_;  // what menus have as children
   MenuTree tree_;
   std::unique_ptr<plain::PlainNode> plain_ = plain::plainRoot();

@@ -17,8 +17,9 @@ namespace {
 void fillFromInventory(const Options& options, const InventoryBuilder& builder,
                        TrackManager& manager, MenuTree& tree) {
   readInventoryFiles(manager, options.tracksFile, options.playlistsFile, true);
+  manager.forgetIds();
   builder.buildMenuFromInventory(manager, tree);
-  manager.clear();  // its indexes make room for what is still to come
+  manager.clear();  // its orders make room for what is still to come
   MenuTree::sortTree(tree.getRoot());
   if (!options.tryAndBuy) return;
   // After the ordering, so that it is the root's last child whatever the others are called.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <span>
@@ -41,7 +42,7 @@ class CategoryIndex {
   void insert(std::uint32_t id, std::uint32_t track);
 
   // Ask, in this order and each in time for the next, for what find(id) looks at: the id's entry,
-  // what that leads to, and the name, which is best kept right behind its NamedId.
+  // what that leads to, and the NamedId with what is right behind it, as the name may be.
   void expectId(std::uint32_t id) const { nameById_.expect(id); }
   void expectName(std::uint32_t id) const {
     const std::uint32_t position = positionOf(id);
@@ -50,9 +51,10 @@ class CategoryIndex {
   void expectText(std::uint32_t id) const {
     const std::uint32_t position = positionOf(id);
     if (position == kUnknown) return;
-    const Name& name = names_[position];
-    prefetch(name.named);
-    prefetch(reinterpret_cast<const char*>(name.named + 1) + name.size);
+    constexpr std::size_t kCacheLine = 64;
+    const auto* const named = reinterpret_cast<const char*>(names_[position].named);
+    prefetch(named);
+    prefetch(named + kCacheLine);
   }
 
   // What the id was last entered with, nullptr if it never was, or has no name. Not for several

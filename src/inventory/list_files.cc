@@ -16,12 +16,13 @@
 #include "inventory/track_batch.h"
 #include "tree/made_ahead.h"
 #include "tree/parallel.h"
+#include "tree/prefetch.h"
 
 namespace Orvane {
 
 namespace {
 
-// How many tracks' or entries' places in memory are asked for together.
+// How many entries' places in memory are asked for together.
 constexpr std::size_t kLinesAtATime = 16;
 
 // The track of each media id that has come more than once in the tracks file, as it came last:
@@ -35,27 +36,24 @@ bool reportUnopened(const LineReader& reader, const char* path) {
 
 void addTracks(TrackManager& manager, const TrackBatch& batch, LaterTracks& laterTracks) {
   const std::span<const TrackIds> allIds = batch.ids();
-  const auto expectFrom = [&](std::size_t i) {
-    if (i < allIds.size()) {
-      manager.expectTracks(allIds.subspan(i, std::min(kLinesAtATime, allIds.size() - i)));
-    }
-  };
-  expectFrom(0);
-  for (std::size_t i = 0; i < allIds.size(); ++i) {
-    if (i % kLinesAtATime == 0) expectFrom(i + kLinesAtATime);
+  const auto add = [&](std::size_t i) {
     const TrackBatch::Texts& texts = batch.texts()[i];
     const TrackIds& ids = allIds[i];
     const Track* const track =
         manager.addTrack(texts.title, ids.media, texts.artistName, ids.artist, texts.albumName,
                          ids.album, texts.genreName, ids.genre, texts.rating);
     if (manager.getIndex().numberOf(*track) == 0) laterTracks.enter(ids.media, track) = track;
-  }
+  };
+  forEachPrefetched(
+      allIds.size(), add, [&](std::size_t i) { manager.expectTrack(allIds[i], 0); },
+      [&](std::size_t i) { manager.expectTrack(allIds[i], 1); },
+      [&](std::size_t i) { manager.expectTrack(allIds[i], 2); });
 }
 
 void readTracks(TrackManager& manager, const char* path, LaterTracks& laterTracks) {
   constexpr std::size_t kFirstLines = 8192;
   constexpr std::size_t kBatchLines = 256;
-  constexpr std::size_t kBatches = 4;  // lines may be long
+  constexpr std::size_t kBatches = 8;  // lines may be long
 
   LineReader reader(path);
   if (reportUnopened(reader, path)) return;

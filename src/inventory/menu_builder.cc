@@ -45,18 +45,12 @@ class LeafMaker {
   const TrackIndex& index_;
 };
 
-void expectAlbum(const Track& track) {
-  prefetch(&track.getAlbum());
-}
-
 // Goes through the tracks of a category's entries, in order, and the runs of equal ids in them:
 // calls `start` with the first track of each run, `add` with each track, and `finish` with the
-// numbers of the run, which the tree keeps. A while before a track is gone through, `expect` is
-// called with it, to ask for what the others look at beyond it.
-template <typename Start, typename Add, typename Finish, typename... Expect>
+// numbers of the run, which the tree keeps.
+template <typename Start, typename Add, typename Finish>
 void forEachRun(const TrackIndex& index, const CategoryIndex& category, MenuTree& tree,
-                std::uint32_t (Track::*idOf)() const, Start start, Add add, Finish finish,
-                Expect... expect) {
+                std::uint32_t (Track::*idOf)() const, Start start, Add add, Finish finish) {
   const TrackTable& tracks = index.getTracksByNumber();
   const std::span<TrackIndex::Number> numbers = tree.keepNumbers(category.tracksInOrder());
   std::size_t begin = 0;
@@ -73,9 +67,8 @@ void forEachRun(const TrackIndex& index, const CategoryIndex& category, MenuTree
         }
         add(track);
       },
-      [&](std::size_t i) { prefetch(&tracks[numbers[i]]); },
-      [&](std::size_t i) { prefetchTrack(tracks[numbers[i]]); },
-      [&](std::size_t i) { expect(*tracks[numbers[i]]); }...);
+      [&](std::size_t i) { prefetch(tracks[numbers[i]]); },
+      [&](std::size_t i) { prefetch(&tracks[numbers[i]]->getAlbum()); });
   if (!numbers.empty()) finish(numbers.subspan(begin));
 }
 
@@ -99,7 +92,7 @@ void addPlaylistsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& cat
     const std::vector<const Track*>& tracks = playlist.getTracks();
     forEachPrefetched(
         tracks.size(), [&](std::size_t i) { leaves.append(menu, *tracks[i]); },
-        [&](std::size_t i) { prefetchTrack(tracks[i]); });
+        [&](std::size_t i) { prefetch(tracks[i]); });
   }
 }
 
@@ -116,8 +109,7 @@ void addArtistsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& categ
       [&](const Track& track) { albums.add(track); },
       [&](std::span<TrackIndex::Number> numbers) {
         albums.finishArtist(index.getTracksByNumber(), numbers);
-      },
-      expectAlbum);
+      });
 }
 
 void addAlbumsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& category) {
@@ -140,23 +132,22 @@ void addAlbumsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& catego
         album = albums[found];
       },
       [](const Track&) {},
-      [&](std::span<TrackIndex::Number> numbers) { leaves.append(*album, numbers); }, expectAlbum);
+      [&](std::span<TrackIndex::Number> numbers) { leaves.append(*album, numbers); });
 }
 
 void addSongsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& category) {
   const TrackIndex& index = manager.getIndex();
   const LeafMaker leaves(index, tree);
-  const std::span<const Track* const> tracks = index.getTrackList();
   LargeVector<TrackIndex::Number> numbers;
-  numbers.reserve(tracks.size());
-  for (const Track* const track : tracks) {
-    const TrackIndex::Number number = index.numberOf(*track);
+  numbers.reserve(index.listSize());
+  std::size_t place = 0;
+  for (; place < index.listSize(); ++place) {
+    const TrackIndex::Number number = index.numberOf(*index.listedAt(place));
     if (number == 0) break;
     numbers.push_back(number);
   }
-  const std::size_t numbered = numbers.size();
   leaves.append(category, tree.keepNumbers(std::move(numbers)));
-  for (const Track* const track : tracks.subspan(numbered)) leaves.append(category, *track);
+  for (; place < index.listSize(); ++place) leaves.append(category, *index.listedAt(place));
 }
 
 void addGenresMenu(const TrackManager& manager, MenuTree& tree, MenuNode& category) {

@@ -1,9 +1,9 @@
 #include "inventory/track_index.h"
 
 #include <algorithm>
+#include <array>
 #include <new>
-
-#include "tree/prefetch.h"
+#include <numeric>
 
 namespace Orvane {
 
@@ -16,8 +16,8 @@ bool TrackIndex::add(Track& track) {
     tracksByNumber_.pop_back();
     return false;
   }
-  track.number_ = number <= kMaxToldNumber ? number & kMaxToldNumber : 0;
-  if (hasOwnList_) ownList_.push_back(&track);
+  track.setNumber(number <= Track::kNumber ? number : 0);
+  if (hasOwnList_) ownList_.push_back(number);
 
   const auto enter = [number](CategoryIndex& category, const NamedId& entry) {
     if (entry.id() != 0) category.insert(entry, number);
@@ -32,35 +32,24 @@ bool TrackIndex::add(Track& track) {
 // Growing in steps would touch memory that is given up again, and move each id twice.
 void TrackIndex::expect(std::size_t count) {
   try {
-    tracksByNumber_.reserve(tracksByNumber_.size() + count);
     tracksById_.reserve(tracksByNumber_.size() + count);
   } catch (const std::bad_alloc&) {
     // What really comes may well fit.
   }
 }
 
-// In steps, each of which finds what the one before has asked for.
-void TrackIndex::expect(std::span<const TrackIds> tracks) const {
-  const auto inEachCategory = [&](void (CategoryIndex::*step)(std::uint32_t) const) {
-    for (const TrackIds& ids : tracks) {
-      (artists_.*step)(ids.artist);
-      (albums_.*step)(ids.album);
-      (genres_.*step)(ids.genre);
-    }
-  };
-  for (const TrackIds& ids : tracks) tracksById_.expect(ids.media);
-  inEachCategory(&CategoryIndex::expectId);
-  inEachCategory(&CategoryIndex::expectName);
-  inEachCategory(&CategoryIndex::expectText);
+void TrackIndex::expect(const TrackIds& track, int step) const {
+  constexpr std::array<void (CategoryIndex::*)(std::uint32_t) const, 3> kSteps = {
+      &CategoryIndex::expectId, &CategoryIndex::expectName, &CategoryIndex::expectText};
+  const auto expectNext = kSteps[static_cast<std::size_t>(step)];
+  if (step == 0) tracksById_.expect(track.media);
+  (artists_.*expectNext)(track.artist);
+  (albums_.*expectNext)(track.album);
+  (genres_.*expectNext)(track.genre);
 }
 
 void TrackIndex::expectLookups(std::span<const std::uint32_t> mediaIds) const {
   for (const std::uint32_t id : mediaIds) tracksById_.expect(id);
-  for (const std::uint32_t id : mediaIds) {
-    if (const Number* const number = tracksById_.find(id)) {
-      prefetch(&tracksByNumber_[*number]);
-    }
-  }
 }
 
 void TrackIndex::remove(std::uint32_t mediaId) {
@@ -71,12 +60,12 @@ void TrackIndex::remove(std::uint32_t mediaId) {
     }
   }
   if (!hasOwnList_) {
-    const std::span<const Track* const> list = getTrackList();
-    ownList_.assign(list.begin(), list.end());
+    ownList_.resize(listSize());
+    std::iota(ownList_.begin(), ownList_.end(), firstOfList_);
     hasOwnList_ = true;
   }
-  static_cast<void>(std::remove_if(ownList_.begin(), ownList_.end(), [=](const Track* track) {
-    return track->getMediaId() == mediaId;
+  static_cast<void>(std::remove_if(ownList_.begin(), ownList_.end(), [=, this](Number number) {
+    return tracksByNumber_[number]->getMediaId() == mediaId;
   }));
   tracksById_.erase(mediaId);
 }

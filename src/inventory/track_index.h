@@ -7,6 +7,7 @@
 #include "inventory/category_index.h"
 #include "inventory/id_map.h"
 #include "tree/track.h"
+#include "tree/track_table.h"
 
 namespace Orvane {
 
@@ -31,13 +32,15 @@ class TrackIndex {
   // and what it refers to must outlive the index, or the next clear().
   bool add(Track& track);
 
-  // Says that about so many tracks will be added. Room for them is made, and their places in the
-  // table of ids touched, if there is memory.
+  // Says that about so many tracks will be added. Room for their ids is made, and touched, if there
+  // is memory.
   void expect(std::size_t count);
 
-  // Says that tracks with these ids will be added next. What that looks at is all over the memory:
-  // asked for in time, it is there.
-  void expect(std::span<const TrackIds> tracks) const;
+  // Asks, in three steps, each in time for the next, for what adding a track with these ids looks
+  // at: that is all over the memory.
+  void expect(const TrackIds& track, int step) const;
+
+  // Says that tracks with these media ids will be looked for next.
   void expectLookups(std::span<const std::uint32_t> mediaIds) const;
 
   // Withdraws a media id; unknown ones are ignored. See getTrackList() for what becomes of the
@@ -67,12 +70,20 @@ class TrackIndex {
   const Track* findOrEnter(std::uint32_t mediaId);
   bool hasEntry(std::uint32_t mediaId) const { return tracksById_.find(mediaId) != nullptr; }
 
+  // Forgets all media ids, of which there is no more need when all has been read, and which take
+  // much memory: no track is found by its id any more. All else stays as it is.
+  void forgetIds() { tracksById_.clear(); }
+
   void clear();
 
-  // In registration order. A removal moves the later tracks up but doesn't shorten the list: its
-  // last place keeps what was there. That is deliberate; what reads the list relies on its length.
-  std::span<const Track* const> getTrackList() const {
-    return hasOwnList_ ? std::span(ownList_) : std::span(tracksByNumber_).subspan(firstOfList_);
+  // The track list, in registration order. A removal moves the later tracks up but doesn't shorten
+  // the list: its last place keeps what was there. That is deliberate; what reads the list relies
+  // on its length.
+  std::size_t listSize() const {
+    return hasOwnList_ ? ownList_.size() : tracksByNumber_.size() - firstOfList_;
+  }
+  const Track* listedAt(std::size_t place) const {
+    return tracksByNumber_[hasOwnList_ ? ownList_[place] : firstOfList_ + place];
   }
 
   CategoryIndex& getArtists() { return artists_; }
@@ -83,18 +94,22 @@ class TrackIndex {
   const CategoryIndex& getGenres() const { return genres_; }
   const CategoryIndex& getRatings() const { return ratings_; }
 
+  // What the album's id was last entered with, nullptr if it never was.
+  const Album* findAlbum(std::uint32_t id) const {
+    return static_cast<const Album*>(albums_.find(id));  // nothing else is entered there
+  }
+
   // The tracks of a category's entries in its order, in a list of the caller's own.
   std::vector<const Track*> tracksInOrder(const CategoryIndex& category) const;
 
  private:
   static constexpr Number kNoTrack = 0;
-  static constexpr Number kMaxToldNumber = 0x3FFFFFFF;  // what a track has room for
 
-  TrackTable tracksByNumber_ = {nullptr};
+  TrackTable tracksByNumber_;
   // The track list is the end of the table until a track is removed.
   Number firstOfList_ = 1;
   bool hasOwnList_ = false;
-  LargeVector<const Track*> ownList_;
+  LargeVector<Number> ownList_;
   IdMap<Number, 0xFFFFFFFF> tracksById_;
   CategoryIndex genres_;
   CategoryIndex artists_;

@@ -32,16 +32,32 @@ bool TrackManager::hasTrack(std::uint32_t mediaId) const {
   return index_->has(mediaId);
 }
 
+// Makes a NamedId, or what derives from it, with the name right behind it.
+template <typename Named, typename... Rest>
+const Named& TrackManager::make(const Given& given, const Rest&... rest) {
+  static_assert(std::is_trivially_destructible_v<Named>);
+  void* const place = ownNames_.allocate(sizeof(Named) + given.name.size(), alignof(Named));
+  char* const bytes = static_cast<char*>(place) + sizeof(Named);
+  std::copy(given.name.begin(), given.name.end(), bytes);
+  return *new (place) Named(given.id, {bytes, given.name.size()}, rest...);
+}
+
 // What the id was last entered with, if that has the name, otherwise a new one.
-const NamedId& TrackManager::keep(const CategoryIndex& category, std::uint32_t id,
-                                  std::string_view name) {
-  const NamedId* const known = category.find(id);
-  if (known != nullptr && known->name() == name) return *known;
-  static_assert(std::is_trivially_destructible_v<NamedId>);
-  void* const place = ownNames_.allocate(sizeof(NamedId) + name.size(), alignof(NamedId));
-  char* const bytes = static_cast<char*>(place) + sizeof(NamedId);
-  std::copy(name.begin(), name.end(), bytes);
-  return *new (place) NamedId(id, {bytes, name.size()});
+const NamedId& TrackManager::keep(const CategoryIndex& category, const Given& given) {
+  const NamedId* const known = category.find(given.id);
+  return known != nullptr && given.is(*known) ? *known : make<NamedId>(given);
+}
+
+// The same for an album, which is most often known with its artist and its genre.
+const Album& TrackManager::keepAlbum(const Given& album, const Given& artist, const Given& genre) {
+  const Album* const known = index_->findAlbum(album.id);
+  const bool isNamed = known != nullptr && album.is(*known);
+  if (isNamed && artist.is(known->artist()) && genre.is(known->genre())) return *known;
+  const NamedId& itsArtist = keep(index_->getArtists(), artist);
+  const NamedId& itsGenre = keep(index_->getGenres(), genre);
+  if (!isNamed) return make<Album>(album, itsArtist, itsGenre);
+  void* const place = ownNames_.allocate(sizeof(Album), alignof(Album));
+  return *new (place) Album(album.id, known->name(), itsArtist, itsGenre);
 }
 
 Track* TrackManager::addTrack(std::string_view title, std::uint32_t mediaId,
@@ -51,13 +67,11 @@ Track* TrackManager::addTrack(std::string_view title, std::uint32_t mediaId,
                               std::uint32_t rating) {
   static_assert(std::is_trivially_destructible_v<Track>);
   Track* const track = new (ownTracks_.allocate(sizeof(Track), alignof(Track))) Track();
-  track->setTitle(ownTracks_.keep(title));
+  track->setTitle(ownTitles_.keep(title));
   track->setMediaId(mediaId);
-  track->setArtist(keep(index_->getArtists(), artistId, artistName));
-  track->setAlbum(keep(index_->getAlbums(), albumId, albumName));
-  track->setGenre(keep(index_->getGenres(), genreId, genreName));
+  track->setAlbum(keepAlbum({albumId, albumName}, {artistId, artistName}, {genreId, genreName}));
   track->setRating(rating);
-  track->isPooled_ = 1;
+  track->marks_ |= Track::kPooled;
   registerTrack(track);
   return track;
 }
@@ -101,12 +115,12 @@ void TrackManager::clear() {
 }
 
 bool TrackManager::registerTrack(Track* track) {
-  const bool isNew = track->isRegistered_ == 0;
-  if (isNew && track->isPooled_ == 0) {
+  const bool isNew = (track->marks_ & Track::kRegistered) == 0;
+  if (isNew && (track->marks_ & Track::kPooled) == 0) {
     std::unique_ptr<Track> owned(track);
     trackSet_.push_back(std::move(owned));
   }
-  track->isRegistered_ = 1;
+  track->marks_ |= Track::kRegistered;
   index_->add(*track);
   return isNew;
 }

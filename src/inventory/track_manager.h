@@ -8,6 +8,7 @@
 
 #include "inventory/playlist.h"
 #include "inventory/track_index.h"
+#include "inventory/track_list_iterator.h"
 #include "tree/arena.h"
 #include "tree/track.h"
 
@@ -43,12 +44,13 @@ class TrackManager {
 
   virtual Playlist* addPlaylist(std::string_view name, std::uint32_t playlistId);
 
-  // Says that about so many tracks will be added. Room for them is made, if there is memory: 20 to
-  // 30 bytes each.
+  // Says that about so many tracks will be added. Room for their ids is made, if there is memory:
+  // 11 to 21 bytes each.
   void expectTracks(std::size_t count) { index_->expect(count); }
 
-  // Says that tracks with these ids will be added next.
-  void expectTracks(std::span<const TrackIds> tracks) const { index_->expect(tracks); }
+  // Asks, in three steps, each in time for the next, for what adding a track with these ids looks
+  // at.
+  void expectTrack(const TrackIds& ids, int step) const { index_->expect(ids, step); }
 
   // Says that tracks with these media ids will be looked for next.
   void expectLookups(std::span<const std::uint32_t> mediaIds) const {
@@ -76,8 +78,8 @@ class TrackManager {
   virtual bool registerPlaylist(Playlist* playlist);
 
   // All tracks in registration order, one a media id.
-  auto tracksBegin() const { return index_->getTrackList().begin(); }
-  auto tracksEnd() const { return index_->getTrackList().end(); }
+  TrackListIterator tracksBegin() const { return {*index_, 0}; }
+  TrackListIterator tracksEnd() const { return {*index_, index_->listSize()}; }
 
   // All playlists in registration order.
   auto playlistsBegin() const { return playlists_.begin(); }
@@ -86,13 +88,28 @@ class TrackManager {
   // The first track registered with that media id, or nullptr.
   const Track* findTrack(std::uint32_t mediaId) const { return index_->find(mediaId); }
 
+  // Makes room for menus: tracks stay in all lists and orders, but are not found by their media ids
+  // any more.
+  void forgetIds() { index_->forgetIds(); }
+
   // How many of the tracks containsTrack() accepts.
   std::size_t countRegisteredTracks(const std::vector<const Track*>& tracks) const;
 
   const TrackIndex& getIndex() const { return *index_; }
 
  private:
-  const NamedId& keep(const CategoryIndex& category, std::uint32_t id, std::string_view name);
+  // An id with the name that came with it.
+  struct Given {
+    std::uint32_t id;
+    std::string_view name;
+
+    bool is(const NamedId& other) const { return other.id() == id && other.name() == name; }
+  };
+
+  template <typename Named, typename... Rest>
+  const Named& make(const Given& given, const Rest&... rest);
+  const NamedId& keep(const CategoryIndex& category, const Given& given);
+  const Album& keepAlbum(const Given& album, const Given& artist, const Given& genre);
   template <typename Condition>
   void removeFromPlaylists(Condition condition);
   void removeCategory(CategoryIndex& category, std::uint32_t id,
@@ -102,9 +119,10 @@ class TrackManager {
   std::unique_ptr<TrackIndex> index_;
 
   // The owners. Each holds a record once: records remember that they are registered. What addTrack
-  // makes is in the arenas: tracks with their titles, and apart from them the names, which are
-  // looked at again and again and so must stand close together.
+  // makes is in the arenas: tracks, one right behind the other (see TrackTable), their titles, and
+  // the names, which are looked at again and again and so must stand close together.
   Arena ownTracks_;
+  Arena ownTitles_;
   Arena ownNames_;
   std::vector<std::unique_ptr<Track>> trackSet_;
   std::vector<std::unique_ptr<Playlist>> playlistSet_;

@@ -3,7 +3,7 @@
 #include "tree/child.h"
 #include "tree/menu_node.h"
 #include "tree/prefetch.h"
-#include "tree/track.h"
+#include "tree/track_table.h"
 
 namespace Orvane {
 
@@ -15,23 +15,25 @@ class ChildView {
 
   // Asks, in two steps, for what id and name of a child are read from.
   void expect(Child child, int step) {
-    if (step == 0 && child.isNode()) {
-      prefetch(child.node());
-    } else if (step == 0) {
-      prefetch(tracks_->data() + child.trackNumber());
+    if (step == 0) {
+      prefetch(child.isNode() ? static_cast<const void*>(child.node()) : trackOf(child));
+    } else if (child.isNode()) {
+      child.node()->prefetchContent();
     } else {
-      (*this)(child).prefetchContent();
+      trackOf(child)->prefetchTitle();
     }
   }
 
   // Good until the next call.
   const MenuNode& operator()(Child child) {
     if (child.isNode()) return *child.node();
-    leaf_.becomeLeafOf(*(*tracks_)[child.trackNumber()]);
+    leaf_.becomeLeafOf(*trackOf(child));
     return leaf_;
   }
 
  private:
+  const Track* trackOf(Child child) const { return (*tracks_)[child.trackNumber()]; }
+
   const TrackTable* tracks_;
   MenuNode leaf_;
 };

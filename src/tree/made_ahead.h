@@ -40,8 +40,9 @@ class MadeAhead {
       if (place.isLast) return;
       use(place.item);
       place.state = kFree;
-      ++used_;
-      used_.notify_one();
+      // To wake the helper takes time: it may as well find several places. Without it the caller
+      // makes the items.
+      if (++used_ % (kMost / 2) == 0) used_.notify_one();
     }
   }
 
@@ -111,6 +112,8 @@ class MadeAhead {
     if (place.isLast) isOver_ = true;
     return &place;
   }
+
+  static_assert(kMost >= 2);
 
   std::array<Place, kMost> places_;
   std::mutex taking_;

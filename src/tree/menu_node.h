@@ -8,7 +8,7 @@
 
 #include "tree/child.h"
 #include "tree/prefetch.h"
-#include "tree/track.h"
+#include "tree/track_table.h"
 
 namespace Orvane {
 
@@ -116,12 +116,10 @@ class MenuNode {
     return {name_, nameSize_ == kWide ? rare(&Rare::nameSize) : nameSize_};
   }
 
-  // Says that id and name will soon be asked for. A track's leaf has them in its track, whose title
-  // often follows it in memory.
+  // Asks for what the name, or all of a track's leaf, is read from.
   void prefetchContent() const {
     if (isTrackLeaf()) {
       prefetch(track_);
-      prefetch(track_ + 1);
     } else {
       prefetch(name_);
     }

@@ -33,7 +33,7 @@ class TracksInATree : public ::testing::Test {
 
   MenuTree tree_;
   std::array<Track, 3> tracks_;
-  TrackTable table_ = {nullptr};
+  TrackTable table_;
   MenuNode& menu_ = tree_.getRoot()->appendChild([](MenuNode&) {});
 };
 

@@ -93,11 +93,13 @@ TEST(MenuBuilderSharing, RatingTakenBackHasNoStars) {
 
 TEST(MenuBuilderSharing, OtherGenreMakesARunOfItsOwn) {
   TrackManager manager;
-  const NamedId other(9, "Other");
+  const NamedId artist(0, "");
+  const NamedId genre(9, "Other");
+  const Album other(0, "", artist, genre);
   for (std::uint32_t id = 1; id <= 4; ++id) {
     Track* const track =
         manager.addTrack("song" + std::to_string(id), id, "", 0, "", 0, "Pop", 5, 0);
-    if (id == 3) track->setGenre(other);
+    if (id == 3) track->setAlbum(other);
   }
   MenuTree tree;
   addGenresMenu(manager, tree, *tree.getRoot());

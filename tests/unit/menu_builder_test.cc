@@ -210,13 +210,16 @@ TEST_F(MenuBuilder, AlbumsOfAnArtistAreToldApartByNameAndId) {
 // Albums are told by what tracks share, or else by id and name.
 TEST_F(MenuBuilder, AlbumsMayBeSharedOrAlike) {
   const NamedId artist(5, "A");
-  const std::array<NamedId, 4> albums = {{{1, "name"}, {1, "na"}, {129, "na"}, {1, "name"}}};
+  const NamedId genre(0, "");
+  const std::array<Album, 4> albums = {{{1, "name", artist, genre},
+                                        {1, "na", artist, genre},
+                                        {129, "na", artist, genre},
+                                        {1, "name", artist, genre}}};
   std::uint32_t mediaId = 0;
   for (const std::size_t album : {0U, 1U, 2U, 3U, 1U}) {
     auto track = std::make_unique<Track>();
     track->setTitle("t");
     track->setMediaId(++mediaId);
-    track->setArtist(artist);
     track->setAlbum(albums[album]);
     manager_.registerTrack(track.release());
   }

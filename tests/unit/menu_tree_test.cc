@@ -95,7 +95,8 @@ TEST(MenuTree, SubtreesApartArePartOfTheTree) {
   Track track;
   track.setMediaId(5);
   track.setTitle("title");
-  const TrackTable tracks = {nullptr, &track};
+  TrackTable tracks;
+  test::addTracks(tracks, {&track});
   tree.setTrackTable(tracks);
   test::addMenu(*tree.getRoot(), 1, "first");
   MenuNode& apart = tree.appendApart();

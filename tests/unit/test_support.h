@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <initializer_list>
 #include <iostream>
 #include <iterator>
 #include <memory>
@@ -19,6 +20,7 @@
 #include <vector>
 
 #include "tree/menu_node.h"
+#include "tree/track_table.h"
 
 namespace Orvane::test {
 
@@ -104,6 +106,10 @@ class CapturedStream {
   Collector collector_;
   std::streambuf* old_;
 };
+
+inline void addTracks(TrackTable& table, std::initializer_list<const Track*> tracks) {
+  for (const Track* const track : tracks) table.push_back(track);
+}
 
 // Attaches a new node to `parent`, which owns it.
 inline MenuNode& addNode(MenuNode& parent, std::uint32_t nodeType, std::uint32_t mediaId,

@@ -40,7 +40,7 @@ class TrackChildren : public ::testing::Test {
 
   std::deque<std::string> titles_;
   std::deque<Track> store_;
-  TrackTable tracks_ = {nullptr};
+  TrackTable tracks_;
   MenuTree tree_;
   MenuNode& root_ = *tree_.getRoot();
 };
@@ -136,7 +136,8 @@ TEST_F(TrackChildren, EachBecomesANodeOfItsOwn) {
 
 TEST_F(TrackChildren, AreNodesWhereNumbersMeanNothing) {
   const std::uint32_t number = addTrack(7, "seven");
-  const TrackTable other = {nullptr, &store_[0]};
+  TrackTable other;
+  addTracks(other, {&store_[0]});
   root_.appendLeaf(other, number);
   EXPECT_TRUE(root_.childAt(0).isNode());
 
@@ -278,7 +279,8 @@ TEST_F(KeptTrackChildren, AreLeftAloneWhenTheMenuGrows) {
 }
 
 TEST_F(KeptTrackChildren, AreNodesWhereNumbersMeanNothing) {
-  const TrackTable other = {nullptr, &store_[0], &store_[1], &store_[2]};
+  TrackTable other;
+  addTracks(other, {&store_[0], &store_[1], &store_[2]});
   songs_.appendLeaves(other, kept_);
   EXPECT_TRUE(songs_.childAt(0).isNode());
   MenuNode alone;

@@ -8,6 +8,7 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <string_view>
 
 #include "track_lists.h"
 
@@ -59,6 +60,77 @@ TEST(TrackManager, TracksShareTheNamesOfTheirIds) {
   const Track& other = *manager.addTrack("t", 3, "other", 1, "other", 1, "other", 1, 0);
   EXPECT_EQ(other.getArtistName(), "other");
   EXPECT_EQ(one.getArtistName(), "name");
+}
+
+TEST(TrackManager, TracksShareTheirAlbum) {
+  TrackManager manager;
+  const Album& one = manager.addTrack("t", 1, "A", 1, "Record", 2, "G", 3, 0)->getAlbum();
+  EXPECT_EQ(&manager.addTrack("t", 2, "A", 1, "Record", 2, "G", 3, 0)->getAlbum(), &one);
+  EXPECT_NE(&manager.addTrack("t", 3, "A", 1, "Record", 9, "G", 3, 0)->getAlbum(), &one);
+  EXPECT_NE(&manager.addTrack("t", 4, "A", 1, "Recorder", 2, "G", 3, 0)->getAlbum(), &one);
+}
+
+// The next track of one of them has it as the one before had it, or has one of its own.
+TEST(TrackManager, AlbumsAreToldApartByArtistAndGenre) {
+  struct Names {
+    std::uint32_t artistId;
+    std::string_view artist;
+    std::uint32_t genreId;
+    std::string_view genre;
+  };
+  TrackManager manager;
+  const auto add = [&](std::uint32_t mediaId, const Names& names) -> const Track& {
+    return *manager.addTrack("t", mediaId, names.artist, names.artistId, "Record", 7, names.genre,
+                             names.genreId, 0);
+  };
+  const Album& first = add(1, {1, "A", 3, "G"}).getAlbum();
+  std::uint32_t mediaId = 1;
+  for (const Names& names :
+       {Names{2, "A", 3, "G"}, {1, "B", 3, "G"}, {1, "A", 4, "G"}, {1, "A", 3, "H"}}) {
+    const Track& track = add(++mediaId, names);
+    EXPECT_EQ(track.getArtistId(), names.artistId);
+    EXPECT_EQ(track.getArtistName(), names.artist);
+    EXPECT_EQ(track.getGenreId(), names.genreId);
+    EXPECT_EQ(track.getGenreName(), names.genre);
+    EXPECT_EQ(track.getAlbumName().data(), first.name().data()) << "no copy of the name";
+    EXPECT_EQ(&add(++mediaId, names).getAlbum(), &track.getAlbum());
+  }
+}
+
+TEST(TrackManager, AlbumsWithoutAnIdAreEachTracksOwn) {
+  TrackManager manager;
+  const Track& one = *manager.addTrack("t", 1, "A", 1, "One", 0, "G", 3, 0);
+  const Track& two = *manager.addTrack("t", 2, "B", 2, "Two", 0, "H", 4, 0);
+  EXPECT_EQ(one.getAlbumName(), "One");
+  EXPECT_EQ(one.getArtistName(), "A");
+  EXPECT_EQ(two.getAlbumName(), "Two");
+  EXPECT_EQ(two.getGenreName(), "H");
+}
+
+TEST(TrackManager, ForgottenIdsFindNoTrack) {
+  TrackManager manager;
+  addSong(manager, 1, "One", 5, "Abel", 2);
+  Playlist& playlist = *manager.addPlaylist("list");
+  playlist.getTracks().push_back(manager.findTrack(1));
+  manager.forgetIds();
+  EXPECT_FALSE(manager.hasTrack(1));
+  EXPECT_EQ(manager.findTrack(1), nullptr);
+  EXPECT_THAT(trackList(manager), ElementsAre(1));
+  EXPECT_THAT(artists(manager), ElementsAre(1));
+  EXPECT_THAT(ratings(manager), ElementsAre(1));
+  EXPECT_THAT(playlistNames(manager), ElementsAre("list"));
+  EXPECT_THAT(mediaIds(playlist.getTracks()), ElementsAre(1));
+}
+
+TEST(TrackManager, TrackListIsGoneThroughTrackByTrack) {
+  TrackManager manager;
+  const Track* const one = addSong(manager, 1, "One");
+  const Track* const two = addSong(manager, 2, "Two");
+  auto it = manager.tracksBegin();
+  EXPECT_EQ(*it++, one);
+  EXPECT_EQ(*it, two);
+  EXPECT_EQ(manager.tracksEnd() - it, 1);
+  EXPECT_EQ(++it, manager.tracksEnd());
 }
 
 TEST(TrackManager, FirstTrackOfAMediaIdCounts) {
@@ -209,11 +281,9 @@ TEST(Track, IsStreamedAsTitleArtistAndAlbum) {
   Track track;
   track.setTitle("Song");
   const NamedId artist(1, "Singer");
-  const NamedId album(2, "Record");
   const NamedId genre(3, "Unseen");
-  track.setArtist(artist);
+  const Album album(2, "Record", artist, genre);
   track.setAlbum(album);
-  track.setGenre(genre);
   std::ostringstream out;
   out << track;
   EXPECT_EQ(out.str(), "Song | Singer | Record");

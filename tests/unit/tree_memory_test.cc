@@ -47,7 +47,7 @@ TEST(TreeMemory, MenusWithoutChildrenAreNotSorted) {
 
 TEST(TreeMemory, MenusWithoutChildrenAreNotSearched) {
   const auto searching = [](int menus) {
-    const TrackTable tracks = {nullptr};
+    const TrackTable tracks;
     MenuTree tree;
     tree.setTrackTable(tracks);
     addEmptyMenus(tree, menus);

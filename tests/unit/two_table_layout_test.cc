@@ -167,7 +167,8 @@ TEST_F(TwoTableLayout, LeavesOfTracksShareAsOthersDo) {
   Track two;
   two.setTitle("x");
   two.setMediaId(2);
-  const TrackTable tracks = {nullptr, &one, &two, &one};
+  TrackTable tracks;
+  test::addTracks(tracks, {&one, &two, &one});
   tree_.setTrackTable(tracks);
   const auto addLeafNode = [&](const Track& track) -> MenuNode& {
     return root_.appendChild([&](MenuNode& leaf) { leaf.becomeLeafOf(track); });
@@ -188,7 +189,7 @@ TEST_F(TwoTableLayout, LeavesOfTracksShareAsOthersDo) {
 // deep the menu is.
 TEST_F(TwoTableLayout, TracksShareWithMenusAnywhere) {
   std::array<Track, 4> store;
-  TrackTable tracks = {nullptr};
+  TrackTable tracks;
   for (const auto& [id, title] : {std::pair{1U, "early"}, {2U, "late"}, {3U, "alone"}, {4U, "x"}}) {
     Track& track = store[tracks.size() - 1];
     track.setTitle(title);
@@ -213,7 +214,7 @@ TEST_F(TwoTableLayout, TracksShareWithMenusAnywhere) {
 
 TEST_F(TwoTableLayout, TracksOfOneIdShareWhereNoMenuHasIt) {
   std::array<Track, 3> store;
-  TrackTable tracks = {nullptr};
+  TrackTable tracks;
   for (const auto& [id, title] : {std::pair{5U, "twice"}, {6U, "once"}, {5U, "twice"}}) {
     Track& track = store[tracks.size() - 1];
     track.setTitle(title);
@@ -238,7 +239,7 @@ TEST_F(TwoTableLayout, TracksOfOneIdShareWhereNoMenuHasIt) {
 TEST_F(TwoTableLayout, TracksOfOneIdShareInMenusOfMany) {
   constexpr std::uint32_t kTracks = 300;
   std::array<Track, kTracks> store;
-  TrackTable tracks = {nullptr};
+  TrackTable tracks;
   tree_.setTrackTable(tracks);
   MenuNode& songs = addMenu(root_, 0, "Songs");
   std::vector<std::uint32_t> expected;
