@@ -106,11 +106,8 @@ LargeVector<std::uint32_t> CategoryIndex::tracksInOrder() const {
 
   // There are far fewer names than entries: rank the names, then count the entries into place.
   NameRanks ranks;
-  ranks.reserve(names_.size(), static_cast<std::uint32_t>(names_.size()));
-  std::uint32_t position = 0;
-  for (const Name& name : names_) ranks.add(position++, name.folded());
-  ranks.rank();
-  LargeVector<std::size_t> place(names_.size() + 2);  // by rank, the first of which is 1
+  ranks.rank(names_.size(), [this](std::size_t position) { return names_[position].folded(); });
+  LargeVector<std::size_t> place(names_.size() + 1);  // by rank
   entries_.forEach([&](std::uint32_t name, std::uint32_t) { ++place[ranks[name] + 1]; });
   std::partial_sum(place.begin(), place.end(), place.begin());
   tracks.resize(entries_.size());

@@ -2,28 +2,30 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <span>
 #include <string_view>
-#include <vector>
 
 #include "tree/huge_pages.h"
+#include "tree/prefetch.h"
 
 namespace Orvane {
 
-// The places of names in their order as unsigned bytes, for names that are known by dense numbers:
-// ranks compare as the names do, equal ones of equal names.
+// The places of names in their order as unsigned bytes, for names that are known by numbers from 0
+// on: ranks compare as the names do, equal ones of equal names.
 class NameRanks {
  public:
-  // Makes room for so many names, with numbers up to `highestNumber`.
-  void reserve(std::size_t count, std::uint32_t highestNumber);
+  // Gives the name with a number, whose bytes must stay where they are. Several threads may ask.
+  using NameOf = std::function<std::string_view(std::size_t number)>;
 
-  // Adds a name; its bytes must stay until rank() is called. No number may come twice.
-  void add(std::uint32_t number, std::string_view name);
+  // Ranks the names with the numbers below `count`, in place of those that it has ranked before.
+  void rank(std::size_t count, const NameOf& nameOf);
 
-  // Ranks all names added, which must be done once.
-  void rank();
-
-  // The rank of an added name, after rank().
+  // The rank of the name with that number.
   std::uint32_t operator[](std::uint32_t number) const { return ranks_[number]; }
+
+  // Says that it will soon be asked for.
+  void expect(std::uint32_t number) const { prefetch(&ranks_[number]); }
 
  private:
   // A name, and eight bytes of it, in the order of whose values the names come.
@@ -34,11 +36,11 @@ class NameRanks {
     std::uint32_t number;
   };
 
-  std::vector<std::size_t> partByFirstByte();
-  void order(std::size_t begin, std::size_t end, LargeVector<std::uint8_t>& startsRank);
+  class Parts;
+
+  void rankPart(std::span<Key> all, std::uint32_t firstRank);
   static void prefetchByte(const Key& key, std::size_t offset);
 
-  LargeVector<Key> keys_;
   LargeVector<std::uint32_t> ranks_;  // by number
 };
 

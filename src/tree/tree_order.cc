@@ -72,12 +72,10 @@ class ChildSorter {
 
   // All of them: hardly any track is in no menu that is sorted.
   void rankTitles() {
-    const auto count = static_cast<std::uint32_t>(tracks_->size());
-    ranks_.reserve(count - 1, count - 1);  // there is no track 0
-    for (std::uint32_t track = 1; track < count; ++track) {
-      ranks_.add(track, MenuNode::storedForm((*tracks_)[track]->getTitle()));
-    }
-    ranks_.rank();
+    ranks_.rank(tracks_->size(), [this](std::size_t number) {
+      const Track* const track = (*tracks_)[number];
+      return track == nullptr ? "" : MenuNode::storedForm(track->getTitle());
+    });
   }
 
   void sortGroup(std::span<MenuNode* const> menus, LargeVector<Ranked>& scratch) const {
@@ -85,7 +83,14 @@ class ChildSorter {
         menus.size(), [&](std::size_t i) { sort(*menus[i], scratch); },
         [&](std::size_t i) { prefetch(menus[i]); },
         [&](std::size_t i) { menus[i]->expectChildren(0); },
-        [&](std::size_t i) { menus[i]->expectChildren(1); });
+        [&](std::size_t i) { menus[i]->expectChildren(1); },
+        [&](std::size_t i) {
+          constexpr std::size_t kFew = 64;
+          const std::span<const std::uint32_t> tracks = menus[i]->trackNumbers();
+          for (const std::uint32_t track : tracks.first(std::min(tracks.size(), kFew))) {
+            ranks_.expect(track);
+          }
+        });
   }
 
   void sort(MenuNode& menu, LargeVector<Ranked>& scratch) const {
@@ -114,11 +119,8 @@ class ChildSorter {
 
   static void replaceByRanks(std::span<Named> named) {
     NameRanks ranks;
-    ranks.reserve(named.size(), static_cast<std::uint32_t>(named.size()));
+    ranks.rank(named.size(), [&](std::size_t i) { return named[i].node->getName(); });
     std::uint32_t number = 0;
-    for (const Named& entry : named) ranks.add(number++, entry.node->getName());
-    ranks.rank();
-    number = 0;
     for (Named& entry : named) entry.bytes = ranks[number++];
   }
 

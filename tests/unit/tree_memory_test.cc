@@ -61,9 +61,8 @@ TEST(TreeMemory, NamesThatAreToldApartAreNotLookedAtAgain) {
     std::vector<std::string> texts;
     for (std::uint32_t i = 0; i < names; ++i) texts.push_back("a" + std::to_string(i));
     NameRanks ranks;
-    ranks.reserve(names, names);
-    for (std::uint32_t i = 0; i < names; ++i) ranks.add(i, texts[i]);
-    return allocationsOf([&] { ranks.rank(); });
+    const NameRanks::NameOf nameOf = [&](std::size_t i) -> std::string_view { return texts[i]; };
+    return allocationsOf([&] { ranks.rank(names, nameOf); });
   };
   EXPECT_EQ(ranking(100), ranking(1));
 }
@@ -71,9 +70,8 @@ TEST(TreeMemory, NamesThatAreToldApartAreNotLookedAtAgain) {
 TEST(TreeMemory, BeginningsThatNoNameHasAreNotRanked) {
   constexpr std::ptrdiff_t kAllBytes = 256;
   NameRanks ranks;
-  ranks.reserve(1, 1);
-  ranks.add(0, "a");
-  EXPECT_LT(allocationsOf([&] { ranks.rank(); }), kAllBytes / 8);
+  const NameRanks::NameOf nameOf = [](std::size_t /*number*/) { return "a"; };
+  EXPECT_LT(allocationsOf([&] { ranks.rank(1, nameOf); }), kAllBytes / 8);
 }
 
 }  // namespace
