@@ -1,6 +1,7 @@
 #include "output/data_record_index.h"
 
 #include <algorithm>
+#include <atomic>
 #include <functional>
 #include <vector>
 
@@ -49,7 +50,6 @@ void meetNodes(const MenuNode& top, RecurringIds& ids) {
 DataRecordIndex::DataRecordIndex(const MenuTree& tree) {
   if (tree.getTrackTable() == nullptr) return;
   const TrackTable& tracks = *tree.getTrackTable();
-  hashes.resize(tracks.size());
   records.resize(tracks.size());
   tracksWithoutRecord = tracks.size() - 1;  // there is no track 0
   RecurringIds ids(tracks.size());
@@ -57,13 +57,22 @@ DataRecordIndex::DataRecordIndex(const MenuTree& tree) {
   forEachPart(tracks, [&](std::size_t begin, std::size_t end) {
     for (std::size_t i = begin; i < end; ++i) ids.meet(tracks[i]->getMediaId());
   });
+  std::atomic<bool> hasAnyToSearch = false;
+  forEachPart(tracks, [&](std::size_t begin, std::size_t end) {
+    for (std::size_t i = begin; i < end; ++i) {
+      if (!ids.mayRecur(tracks[i]->getMediaId())) continue;
+      records[i] = kToBeSearched;
+      hasAnyToSearch = true;
+    }
+  });
+  if (!hasAnyToSearch) return;
+  hashes.resize(tracks.size());
   forEachPart(tracks, [&](std::size_t begin, std::size_t end) {
     MenuNode leaf;
     for (std::size_t i = begin; i < end; ++i) {
-      if (!ids.mayRecur(tracks[i]->getMediaId())) continue;
+      if (records[i] != kToBeSearched) continue;
       leaf.becomeLeafOf(*tracks[i]);
       hashes[i] = hashOf(leaf);
-      records[i] = kToBeSearched;
     }
   });
 }

@@ -31,7 +31,8 @@ struct DataRecordIndex {
   PositionIndex byNameAndId;
 
   // Of each track, by its number, the data record that its leaves share. As long as it has none: 0,
-  // or, where something else in the tree has its id, kToBeSearched, and what it is searched by.
+  // or, where something else in the tree has its id, kToBeSearched, and in `hashes` what it is
+  // searched by.
   static constexpr std::uint32_t kToBeSearched = 0xFFFFFFFF;
   LargeVector<std::uint32_t> records;
   LargeVector<std::uint32_t> hashes;

@@ -86,9 +86,19 @@ std::uint32_t layoutFamilies(const MenuNode& node, Table& table) {
     const auto next = [&](std::size_t distance) -> const MenuNode& {
       return *toVisit[std::min(visited + distance, end - 1)].node;
     };
-    next(3).expectChildren(0);
-    next(2).expectChildren(1);
-    table.expectLeaves(next(1).trackNumbers());
+    const auto expectNodes = [&](const MenuNode& menu, int step) {
+      constexpr std::size_t kFew = 4;
+      if (menu.hasTrackNumbers()) return;
+      for (std::size_t i = 0; i < std::min(menu.childCount(), kFew); ++i) {
+        table.expect(*menu.childAt(i).node(), step);
+      }
+    };
+    prefetch(&next(16));
+    next(12).expectChildren(0);
+    next(8).expectChildren(1);
+    table.expectLeaves(next(4).trackNumbers());
+    expectNodes(next(4), 0);
+    expectNodes(next(2), 1);
   };
 
   const std::uint32_t result = appendFamily(node);

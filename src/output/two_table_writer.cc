@@ -86,6 +86,7 @@ bool writeTwoTable(const MenuTree& tree, Buffer& buffer) {
   DataRecordIndex idMap(tree);
   treeTable.reserve(tree.nodeCountHint());
   dataTable.reserve(tree.nodeCountHint() + idMap.tracksWithoutRecord);
+  makePagesAhead(dataTable.data(), dataTable.capacity() * sizeof(Child));
   layOut(tree, treeTable, dataTable, idMap);
   idMap.endSearch();
 

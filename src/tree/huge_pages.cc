@@ -94,7 +94,7 @@ void giveBackSpareMemory() noexcept {
 
 void makePagesAhead(void* memory, std::size_t size) {
 #ifdef MADV_POPULATE_WRITE
-  if (usableProcessors() < 2) return;
+  if (!isMapped(size) || usableProcessors() < 2) return;
   const auto makePages = [begin = static_cast<std::byte*>(memory), size] {
     for (std::size_t at = 0; at < size; at += kHugePageSize) {
       if (::madvise(begin + at, kHugePageSize, MADV_POPULATE_WRITE) != 0) return;
