@@ -27,10 +27,9 @@ void ArtistAlbums::add(const Track& track) {
 }
 
 std::uint32_t ArtistAlbums::findOrAppend(const Track& track) {
-  const NamedId* const address = &track.getAlbum();
-  Recent& recent =
-      recents_[std::hash<const NamedId*>()(address) / sizeof(NamedId) % recents_.size()];
-  if (recent.artist == artist_ && recent.id == address) return recent.album;
+  const Album* const address = &track.getAlbum();
+  Recent& recent = recents_[std::hash<const Album*>()(address) / sizeof(Album) % recents_.size()];
+  if (recent.artist == artist_ && recent.of == address) return recent.album;
 
   const std::string_view fullName = track.getAlbumName();
   const std::uint32_t id = track.getAlbumId();
@@ -38,7 +37,7 @@ std::uint32_t ArtistAlbums::findOrAppend(const Track& track) {
   const auto next = static_cast<std::uint32_t>(albums_.size());
   const std::uint32_t hash = hashNameAndId(name, id) + artist_ * 0x9E3779B9U;
   std::uint32_t album = albumIndex_.findOrInsert(hash, next, [&](std::uint32_t candidate) {
-    const Album& other = albums_[candidate];
+    const AlbumMenu& other = albums_[candidate];
     return candidate >= firstAlbum_ && other.menu->getMediaId() == id &&
            other.menu->getName() == name;
   });
@@ -52,9 +51,9 @@ std::uint32_t ArtistAlbums::findOrAppend(const Track& track) {
 }
 
 void ArtistAlbums::finishArtist(const TrackTable& tracks, std::span<std::uint32_t> numbers) {
-  const std::span<Album> albums = std::span(albums_).subspan(firstAlbum_);
+  const std::span<AlbumMenu> albums = std::span(albums_).subspan(firstAlbum_);
   std::uint32_t next = 0;
-  for (Album& album : albums) {
+  for (AlbumMenu& album : albums) {
     album.nextTrack = next;
     next += album.trackCount;
   }
@@ -62,7 +61,7 @@ void ArtistAlbums::finishArtist(const TrackTable& tracks, std::span<std::uint32_
   for (std::size_t i = 0; i < numbersAdded_.size(); ++i) {
     numbers[albums_[albumsAdded_[i]].nextTrack++] = numbersAdded_[i];
   }
-  for (const Album& album : albums) {
+  for (const AlbumMenu& album : albums) {
     const std::uint32_t begin = album.nextTrack - album.trackCount;
     album.menu->appendLeaves(tracks, numbers.subspan(begin, album.trackCount));
   }

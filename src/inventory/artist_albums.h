@@ -28,7 +28,7 @@ class ArtistAlbums {
   void finishArtist(const TrackTable& tracks, std::span<std::uint32_t> numbers);
 
  private:
-  struct Album {
+  struct AlbumMenu {
     MenuNode* menu;
     std::uint32_t trackCount = 0;
     std::uint32_t nextTrack = 0;  // where its next number goes
@@ -36,14 +36,14 @@ class ArtistAlbums {
 
   // The albums met last, each in a place that its address decides: most tracks are of one of these.
   struct Recent {
-    const NamedId* id = nullptr;
+    const Album* of = nullptr;
     std::uint32_t artist = 0;
     std::uint32_t album = 0;
   };
 
   std::uint32_t findOrAppend(const Track& track);
 
-  std::vector<Album> albums_;
+  std::vector<AlbumMenu> albums_;
   PositionIndex albumIndex_;
   std::array<Recent, 128> recents_;
 

@@ -41,20 +41,24 @@ class CategoryIndex {
   // The same where ids have no names, and are ordered as numbers. Not both in one index.
   void insert(std::uint32_t id, std::uint32_t track);
 
-  // Ask, in this order and each in time for the next, for what find(id) looks at: the id's entry,
-  // what that leads to, and the NamedId with what is right behind it, as the name may be.
-  void expectId(std::uint32_t id) const { nameById_.expect(id); }
-  void expectName(std::uint32_t id) const {
-    const std::uint32_t position = positionOf(id);
-    if (position != kUnknown) prefetch(&names_[position]);
-  }
-  void expectText(std::uint32_t id) const {
+  // Asks, in three steps from 0 on, each in time for the next, for what find(id) looks at: the id's
+  // entry, what that leads to, and the NamedId with what is right behind it, as the name may be.
+  void expect(std::uint32_t id, int step) const {
+    if (step == 0) {
+      nameById_.expect(id);
+      return;
+    }
     const std::uint32_t position = positionOf(id);
     if (position == kUnknown) return;
-    constexpr std::size_t kCacheLine = 64;
-    const auto* const named = reinterpret_cast<const char*>(names_[position].named);
-    prefetch(named);
-    prefetch(named + kCacheLine);
+    const Name& name = names_[position];
+    if (step == 1) {
+      prefetch(&name);
+    } else if (name.named != nullptr) {
+      constexpr std::size_t kCacheLine = 64;
+      const auto* const named = reinterpret_cast<const char*>(name.named);
+      prefetch(named);
+      prefetch(named + kCacheLine);
+    }
   }
 
   // What the id was last entered with, nullptr if it never was, or has no name. Not for several

@@ -1,7 +1,6 @@
 #include "inventory/track_index.h"
 
 #include <algorithm>
-#include <array>
 #include <new>
 #include <numeric>
 
@@ -39,13 +38,10 @@ void TrackIndex::expect(std::size_t count) {
 }
 
 void TrackIndex::expect(const TrackIds& track, int step) const {
-  constexpr std::array<void (CategoryIndex::*)(std::uint32_t) const, 3> kSteps = {
-      &CategoryIndex::expectId, &CategoryIndex::expectName, &CategoryIndex::expectText};
-  const auto expectNext = kSteps[static_cast<std::size_t>(step)];
   if (step == 0) tracksById_.expect(track.media);
-  (artists_.*expectNext)(track.artist);
-  (albums_.*expectNext)(track.album);
-  (genres_.*expectNext)(track.genre);
+  artists_.expect(track.artist, step);
+  albums_.expect(track.album, step);
+  genres_.expect(track.genre, step);
 }
 
 void TrackIndex::expectLookups(std::span<const std::uint32_t> mediaIds) const {

@@ -28,23 +28,22 @@ class TrackIndex {
   using Number = std::uint32_t;
 
   // False, and nothing changes, when the media id is known already. Otherwise the track is in the
-  // list, under its media id, and in each category in which its id, or rating, isn't 0. The track
-  // and what it refers to must outlive the index, or the next clear().
+  // list, under its media id, and in each category in which its id, or rating, isn't 0. The track,
+  // its album and all that refers to must outlive the index.
   bool add(Track& track);
 
   // Says that about so many tracks will be added. Room for their ids is made, and touched, if there
   // is memory.
   void expect(std::size_t count);
 
-  // Asks, in three steps, each in time for the next, for what adding a track with these ids looks
-  // at: that is all over the memory.
+  // Asks, in three steps from 0 on, each in time for the next, for what adding a track with these
+  // ids looks at: that is all over the memory.
   void expect(const TrackIds& track, int step) const;
 
   // Says that tracks with these media ids will be looked for next.
   void expectLookups(std::span<const std::uint32_t> mediaIds) const;
 
-  // Withdraws a media id; unknown ones are ignored. See getTrackList() for what becomes of the
-  // list.
+  // Withdraws a media id; unknown ones are ignored. See listSize() for what becomes of the list.
   void remove(std::uint32_t mediaId);
 
   // Takes all entries of a category's id out of that category, and the tracks that had them out of
@@ -70,8 +69,8 @@ class TrackIndex {
   const Track* findOrEnter(std::uint32_t mediaId);
   bool hasEntry(std::uint32_t mediaId) const { return tracksById_.find(mediaId) != nullptr; }
 
-  // Forgets all media ids, of which there is no more need when all has been read, and which take
-  // much memory: no track is found by its id any more. All else stays as it is.
+  // Forgets all media ids, which take much memory: no track is found by its id any more, all else
+  // stays as it is. For when all has been read: until clear(), nothing may be added or removed.
   void forgetIds() { tracksById_.clear(); }
 
   void clear();
@@ -86,6 +85,7 @@ class TrackIndex {
     return tracksByNumber_[hasOwnList_ ? ownList_[place] : firstOfList_ + place];
   }
 
+  // To take entries out: none is to be entered but by add(). What the albums' has are Albums.
   CategoryIndex& getArtists() { return artists_; }
   CategoryIndex& getAlbums() { return albums_; }
   CategoryIndex& getGenres() { return genres_; }
@@ -96,7 +96,7 @@ class TrackIndex {
 
   // What the album's id was last entered with, nullptr if it never was.
   const Album* findAlbum(std::uint32_t id) const {
-    return static_cast<const Album*>(albums_.find(id));  // nothing else is entered there
+    return static_cast<const Album*>(albums_.find(id));
   }
 
   // The tracks of a category's entries in its order, in a list of the caller's own.

@@ -48,8 +48,8 @@ class TrackManager {
   // 11 to 21 bytes each.
   void expectTracks(std::size_t count) { index_->expect(count); }
 
-  // Asks, in three steps, each in time for the next, for what adding a track with these ids looks
-  // at.
+  // Asks, in three steps from 0 on, each in time for the next, for what adding a track with these
+  // ids looks at.
   void expectTrack(const TrackIds& ids, int step) const { index_->expect(ids, step); }
 
   // Says that tracks with these media ids will be looked for next.
@@ -73,7 +73,8 @@ class TrackManager {
   // Registers what the caller made with `new`, owns it from then on and indexes it as it stands.
   // The first track of a media id is the one that counts: later ones are owned, but in no index. A
   // playlist registered twice stands in the list twice. True when it wasn't registered before; a
-  // track or playlist must not be registered with two managers.
+  // track or playlist must not be registered with two managers. A track's album, and all that this
+  // refers to, must outlive the manager: other tracks may come to share it.
   virtual bool registerTrack(Track* track);
   virtual bool registerPlaylist(Playlist* playlist);
 
@@ -89,7 +90,7 @@ class TrackManager {
   const Track* findTrack(std::uint32_t mediaId) const { return index_->find(mediaId); }
 
   // Makes room for menus: tracks stay in all lists and orders, but are not found by their media ids
-  // any more.
+  // any more. Until clear(), none may be registered or removed.
   void forgetIds() { index_->forgetIds(); }
 
   // How many of the tracks containsTrack() accepts.

@@ -59,11 +59,13 @@ DataRecordIndex::DataRecordIndex(const MenuTree& tree) {
   });
   std::atomic<bool> hasAnyToSearch = false;
   forEachPart(tracks, [&](std::size_t begin, std::size_t end) {
+    bool hasToSearch = false;
     for (std::size_t i = begin; i < end; ++i) {
       if (!ids.mayRecur(tracks[i]->getMediaId())) continue;
       records[i] = kToBeSearched;
-      hasAnyToSearch = true;
+      hasToSearch = true;
     }
+    if (hasToSearch) hasAnyToSearch = true;
   });
   if (!hasAnyToSearch) return;
   hashes.resize(tracks.size());

@@ -28,9 +28,11 @@ namespace Orvane {
 //   void setFirstChild(Link, std::uint32_t index);    links that record to its children
 //   bool isDeferred(const MenuNode& child) const;     see below
 //   void expect(MenuNode& child, int step);           asks for what append(child) looks at, in
-//                                                     three steps: each is taken for all of a
-//                                                     node's children that are nodes, in their
-//                                                     order, the last fewer than 32 before append
+//                                                     three steps, each in time for the next: the
+//                                                     last is taken once for each of a node's
+//                                                     children that are nodes, in their order and
+//                                                     fewer than 32 before append, the others
+//                                                     before it, for some more than once
 //   void expectLeaves(std::span<const std::uint32_t> tracks);
 //                                                     the same for appendLeaves(tracks)
 //
@@ -57,6 +59,16 @@ std::uint32_t layoutFamilies(const MenuNode& node, Table& table) {
   std::vector<Family> unfinished;
   LargeVector<Menu> toVisit;
 
+  // Few menus that were just appended are visited next, too soon for expectFamilies.
+  const auto expectFew = [&](std::size_t first) {
+    constexpr std::size_t kFew = 8;
+    const std::span<const Menu> menus = std::span(toVisit).subspan(first);
+    if (menus.size() > kFew) return;
+    for (const Menu& menu : menus) menu.node->expectChildren(0);
+    for (const Menu& menu : menus) menu.node->expectChildren(1);
+    for (const Menu& menu : menus) table.expectLeaves(menu.node->trackNumbers());
+  };
+
   const auto appendFamily = [&](const MenuNode& parent) {
     const std::uint32_t base = table.size();
     if (parent.hasTrackNumbers()) {
@@ -77,6 +89,7 @@ std::uint32_t layoutFamilies(const MenuNode& node, Table& table) {
         [&](std::size_t i) { table.expect(child(i), 1); },
         [&](std::size_t i) { table.expect(child(i), 2); });
     unfinished.push_back({first, toVisit.size(), kNone});
+    expectFew(first);
     return base;
   };
 

@@ -48,7 +48,7 @@ class TwoTables {
     if (idMap_.tracksWithoutRecord == 0) return;
     const auto give = [&](std::size_t i) { giveRecord(tracks[i]); };
     if (tracks.size() <= kFewLeaves) {
-      // They have been asked for.
+      // Most of them have been asked for.
       for (std::size_t i = 0; i < tracks.size(); ++i) give(i);
     } else {
       forEachPrefetched(

@@ -8,7 +8,7 @@
 namespace Orvane {
 
 // An album with the artist and the genre that its tracks have: one of several artists, or genres,
-// is several of these. Tracks share them.
+// is several of these. Most tracks share theirs.
 //
 // The artist, the genre and all names' bytes belong to somebody else and must outlive it.
 class Album : public NamedId {

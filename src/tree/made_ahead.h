@@ -40,8 +40,8 @@ class MadeAhead {
       if (place.isLast) return;
       use(place.item);
       place.state = kFree;
-      // To wake the helper takes time: it may as well find several places. Without it the caller
-      // makes the items.
+      // To wake the helper takes time, so it is done when there are several places for it. Should
+      // the caller run out of items meanwhile, it makes them itself.
       if (++used_ % (kMost / 2) == 0) used_.notify_one();
     }
   }
@@ -67,7 +67,8 @@ class MadeAhead {
     }
   };
 
-  // The helper's work: makes items whenever there is a place for one.
+  // The helper's work: makes items as long as there are places for them, and when it finds none,
+  // sleeps until it is woken.
   template <typename Take, typename Make>
   void help(Take& take, Make& make) {
     while (!isOver_) {

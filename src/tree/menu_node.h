@@ -116,7 +116,7 @@ class MenuNode {
     return {name_, nameSize_ == kWide ? rare(&Rare::nameSize) : nameSize_};
   }
 
-  // Asks for what the name, or all of a track's leaf, is read from.
+  // Asks for the name's bytes or, for a track's leaf, for its track.
   void prefetchContent() const {
     if (isTrackLeaf()) {
       prefetch(track_);

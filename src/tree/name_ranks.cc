@@ -13,10 +13,10 @@ namespace Orvane {
 
 namespace {
 
-constexpr std::size_t kBytes = 256;  // different ones
+constexpr std::size_t kBytes = 256;  // values of a byte
 
-// As many keys may be made at a time, or half of all when that is more: they take several times the
-// memory of the ranks.
+// So many keys are made at a time, or half of all, or all that begin with one byte, whichever is
+// most: they take several times the memory of the ranks.
 constexpr std::size_t kManyKeys = 100'000;
 
 }  // namespace
@@ -116,7 +116,7 @@ void NameRanks::prefetchByte(const Key& key, std::size_t offset) {
   if (offset < key.size) prefetch(key.name + offset);
 }
 
-// A name's rank is how many names come before it.
+// Gives all keys of a part their ranks, of which `firstRank` is the first.
 void NameRanks::rankPart(std::span<Key> all, std::uint32_t firstRank) {
   // Keys that agree in all bytes before `offset` and are still to be told apart.
   struct Part {

@@ -15,16 +15,18 @@ namespace Orvane {
 // on: ranks compare as the names do, equal ones of equal names.
 class NameRanks {
  public:
-  // Gives the name with a number, whose bytes must stay where they are. Several threads may ask.
+  // Gives the name with a number, the same each time. Its bytes must stay where they are until
+  // rank() returns. Several threads may ask at once.
   using NameOf = std::function<std::string_view(std::size_t number)>;
 
-  // Ranks the names with the numbers below `count`, in place of those that it has ranked before.
+  // Ranks the names with the numbers below `count`, which 32 bits have room for, in place of those
+  // that it has ranked before.
   void rank(std::size_t count, const NameOf& nameOf);
 
-  // The rank of the name with that number.
+  // The rank of the name with that number: how many names come before it.
   std::uint32_t operator[](std::uint32_t number) const { return ranks_[number]; }
 
-  // Says that it will soon be asked for.
+  // Says that this will soon be asked for.
   void expect(std::uint32_t number) const { prefetch(&ranks_[number]); }
 
  private:

@@ -15,8 +15,8 @@ class TrackManager;
 
 // One song of the listener's inventory. An id or a rating of 0 means that it has none.
 //
-// The title's bytes and the album belong to somebody else and must outlive the track: those of a
-// track made by TrackManager::addTrack belong to the manager.
+// The title's bytes and the album belong to somebody else and must outlive the track. A track made
+// by TrackManager::addTrack has them from the manager.
 class Track {
  public:
   Track() = default;
@@ -65,7 +65,8 @@ class Track {
   friend class TrackIndex;
   friend class TrackManager;
 
-  // In `marks_`. Fields of bits would be written as bytes, and then read as a whole too early.
+  // In `marks_`. Not bit fields: those are written byte by byte, and a read of the whole right
+  // after has to wait.
   static constexpr std::uint32_t kRegistered = 0x80000000;  // some manager owns it
   static constexpr std::uint32_t kPooled = 0x40000000;      // it is part of its manager's store
   static constexpr std::uint32_t kNumber = 0x3FFFFFFF;

@@ -74,7 +74,8 @@ class ChildSorter {
   void rankTitles() {
     ranks_.rank(tracks_->size(), [this](std::size_t number) {
       const Track* const track = (*tracks_)[number];
-      return track == nullptr ? "" : MenuNode::storedForm(track->getTitle());
+      return track == nullptr ? ""
+                              : MenuNode::storedForm(track->getTitle());  // there is no track 0
     });
   }
 

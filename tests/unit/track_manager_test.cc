@@ -70,7 +70,7 @@ TEST(TrackManager, TracksShareTheirAlbum) {
   EXPECT_NE(&manager.addTrack("t", 4, "A", 1, "Recorder", 2, "G", 3, 0)->getAlbum(), &one);
 }
 
-// The next track of one of them has it as the one before had it, or has one of its own.
+// The next track with the same artist and genre shares the new album.
 TEST(TrackManager, AlbumsAreToldApartByArtistAndGenre) {
   struct Names {
     std::uint32_t artistId;
