@@ -57,7 +57,7 @@ class NameRanks::Parts {
     forEachSlice([&](std::size_t begin, std::size_t end, Places& places) {
       for (std::size_t i = begin; i < end; ++i) {
         const std::size_t byte = firstBytes_[i];
-        if (byte < firstByte || byte >= endByte) continue;
+        if (byte - firstByte >= endByte - firstByte) continue;  // large where it is below
         const std::string_view name = nameOf_(i);
         keys[places[byte]++ - before] = {nameBytesAt(name, 0), name.data(),
                                          static_cast<std::uint32_t>(name.size()),

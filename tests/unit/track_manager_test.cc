@@ -62,6 +62,14 @@ TEST(TrackManager, TracksShareTheNamesOfTheirIds) {
   EXPECT_EQ(one.getArtistName(), "name");
 }
 
+TEST(TrackManager, AlbumsShareTheNamesOfTheirIds) {
+  TrackManager manager;
+  const Track& one = *manager.addTrack("t", 1, "A", 1, "One", 2, "G", 3, 0);
+  const Track& two = *manager.addTrack("t", 2, "A", 1, "Two", 4, "G", 3, 0);
+  EXPECT_EQ(&one.getArtist(), &two.getArtist());
+  EXPECT_EQ(&one.getGenre(), &two.getGenre());
+}
+
 TEST(TrackManager, TracksShareTheirAlbum) {
   TrackManager manager;
   const Album& one = manager.addTrack("t", 1, "A", 1, "Record", 2, "G", 3, 0)->getAlbum();

@@ -85,6 +85,12 @@ TEST(TrackTable, GivesANumberTakenBackToTheNext) {
   expectTracks(table, addressesOf(store));
 }
 
+TEST(TrackTable, TakesNoListForNoTracks) {
+  const LimitedAllocations chunks(1);
+  const TrackTable table;
+  EXPECT_EQ(table.size(), 1U);
+}
+
 TEST(TrackTable, TakesNoMemoryForTracksThatStandInOrder) {
   const std::vector<Track> store(8000);
   TrackTable table;
