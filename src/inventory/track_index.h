@@ -29,7 +29,7 @@ class TrackIndex {
 
   // False, and nothing changes, when the media id is known already. Otherwise the track is in the
   // list, under its media id, and in each category in which its id, or rating, isn't 0. The track,
-  // its album and all that refers to must outlive the index.
+  // its album and all that this refers to must outlive the index.
   bool add(Track& track);
 
   // Says that about so many tracks will be added. Room for their ids is made, and touched, if there
