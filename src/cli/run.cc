@@ -17,7 +17,7 @@ namespace {
 void fillFromInventory(const Options& options, const InventoryBuilder& builder,
                        TrackManager& manager, MenuTree& tree) {
   readInventoryFiles(manager, options.tracksFile, options.playlistsFile, true);
-  manager.forgetIds();
+  manager.forgetIds();  // only playlists ask for them
   builder.buildMenuFromInventory(manager, tree);
   manager.clear();  // its orders make room for what is still to come
   MenuTree::sortTree(tree.getRoot());

@@ -73,9 +73,8 @@ class ChildSorter {
   // All of them: hardly any track is in no menu that is sorted.
   void rankTitles() {
     ranks_.rank(tracks_->size(), [this](std::size_t number) {
-      const Track* const track = (*tracks_)[number];
-      return track == nullptr ? ""
-                              : MenuNode::storedForm(track->getTitle());  // there is no track 0
+      const Track* const track = (*tracks_)[number];  // there is none with number 0
+      return track == nullptr ? "" : MenuNode::storedForm(track->getTitle());
     });
   }
 

@@ -92,10 +92,10 @@ TEST(MenuBuilderSharing, RatingTakenBackHasNoStars) {
 }
 
 TEST(MenuBuilderSharing, OtherGenreMakesARunOfItsOwn) {
-  TrackManager manager;
   const NamedId artist(0, "");
   const NamedId genre(9, "Other");
   const Album other(0, "", artist, genre);
+  TrackManager manager;
   for (std::uint32_t id = 1; id <= 4; ++id) {
     Track* const track =
         manager.addTrack("song" + std::to_string(id), id, "", 0, "", 0, "Pop", 5, 0);

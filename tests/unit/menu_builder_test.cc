@@ -209,18 +209,18 @@ TEST_F(MenuBuilder, AlbumsOfAnArtistAreToldApartByNameAndId) {
 
 // Albums are told by what tracks share, or else by id and name.
 TEST_F(MenuBuilder, AlbumsMayBeSharedOrAlike) {
-  const NamedId artist(5, "A");
-  const NamedId genre(0, "");
-  const std::array<Album, 4> albums = {{{1, "name", artist, genre},
-                                        {1, "na", artist, genre},
-                                        {129, "na", artist, genre},
-                                        {1, "name", artist, genre}}};
+  static constexpr NamedId kArtist(5, "A");
+  static constexpr NamedId kGenre(0, "");
+  static constexpr std::array<Album, 4> kAlbums = {{{1, "name", kArtist, kGenre},
+                                                    {1, "na", kArtist, kGenre},
+                                                    {129, "na", kArtist, kGenre},
+                                                    {1, "name", kArtist, kGenre}}};
   std::uint32_t mediaId = 0;
   for (const std::size_t album : {0U, 1U, 2U, 3U, 1U}) {
     auto track = std::make_unique<Track>();
     track->setTitle("t");
     track->setMediaId(++mediaId);
-    track->setAlbum(albums[album]);
+    track->setAlbum(kAlbums[album]);
     manager_.registerTrack(track.release());
   }
   EXPECT_THAT(outline("Artists"), ElementsAre("5 A", "  1 name", "    1 t", "    4 t", "  1 na",
