@@ -6,6 +6,7 @@
 
 #include "tree/huge_pages.h"
 #include "tree/keyed_hash.h"
+#include "tree/pages_ahead.h"
 #include "tree/prefetch.h"
 
 namespace Orvane {
@@ -88,7 +89,11 @@ class IdMap {
   }
 
   void resize(std::size_t size) {
-    LargeVector<Slot> old(size);
+    LargeVector<Slot> old;
+    old.reserve(size);
+    // Half of the pages are made while the other half is filled.
+    makePagesAhead(old.data() + size / 2, size / 2 * sizeof(Slot));
+    old.resize(size);
     old.swap(slots_);
     for (const Slot& slot : old) {
       if (slot.value != kNone) slots_[place(slot.id)] = slot;

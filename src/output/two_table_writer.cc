@@ -14,6 +14,7 @@
 #include "output/two_table_layout.h"
 #include "tree/child_view.h"
 #include "tree/huge_pages.h"
+#include "tree/pages_ahead.h"
 #include "tree/prefetch.h"
 
 namespace Orvane {

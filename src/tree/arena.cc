@@ -3,16 +3,13 @@
 #include <algorithm>
 
 #include "tree/huge_pages.h"
+#include "tree/pages_ahead.h"
 
 namespace Orvane {
 
 namespace {
 
-constexpr std::size_t kLargestBlock = std::size_t{1} << 23;
-
-// From so many blocks on, one more is no waste to speak of: it gets its pages while the one before
-// is being filled.
-constexpr std::size_t kBlocksBeforeNext = 18;
+constexpr std::size_t kFirstBlock = std::size_t{1} << 14;
 
 }  // namespace
 
@@ -21,10 +18,10 @@ void Arena::clear() {
     for (const Block& block : *blocks) freeLarge(block.memory, block.size);
     blocks->clear();
   }
-  nextBlock_ = nullptr;
   free_ = nullptr;
   freeSize_ = 0;
-  nextSize_ = kFirstBlock;
+  unusedSize_ = 0;
+  blocksSize_ = 0;
 }
 
 std::byte* Arena::addBlock(std::vector<Block>& blocks, std::size_t size) {
@@ -34,19 +31,36 @@ std::byte* Arena::addBlock(std::vector<Block>& blocks, std::size_t size) {
 }
 
 // Blocks are aligned for anything.
-void* Arena::allocateInNewBlock(std::size_t size) {
+void* Arena::allocateFurtherOn(std::size_t size, std::size_t alignment) {
   // What would take much of a block gets one to itself, so that little is left unused.
-  if (size >= nextSize_ / 4) return addBlock(singles_, size);
-  std::byte* const memory = nextBlock_ ? nextBlock_ : addBlock(blocks_, nextSize_);
-  free_ = memory + size;
-  freeSize_ = nextSize_ - size;
-  nextSize_ = std::min(2 * nextSize_, kLargestBlock);
-  nextBlock_ = nullptr;
-  if (blocks_.size() >= kBlocksBeforeNext) {
-    nextBlock_ = addBlock(blocks_, nextSize_);
-    makePagesAhead(nextBlock_, nextSize_);
-  }
-  return memory;
+  if (size >= std::min(nextBlockSize() / 4, kHugePageSize)) return addBlock(singles_, size);
+  if (unusedSize_ == 0) startBlock();
+  useNextPart();
+  return allocate(size, alignment);
+}
+
+// As much again as there is, up to a size that is little; then a fourth of it. So little is left
+// unused, and there are few blocks.
+std::size_t Arena::nextBlockSize() const {
+  constexpr std::size_t kLittle = std::size_t{1} << 23;
+  const std::size_t fourth = blocksSize_ / 4 / kHugePageSize * kHugePageSize;
+  return std::min(kFirstBlock + blocksSize_, std::max(kLittle, fourth));
+}
+
+void Arena::startBlock() {
+  const std::size_t size = nextBlockSize();
+  free_ = addBlock(blocks_, size);
+  freeSize_ = 0;
+  unusedSize_ = size;
+  blocksSize_ += size;
+}
+
+// Large blocks come into use a page at a time, while the next one is being made.
+void Arena::useNextPart() {
+  const std::size_t part = std::min(unusedSize_, kHugePageSize);
+  freeSize_ += part;
+  unusedSize_ -= part;
+  if (unusedSize_ > 0) makePagesAhead(free_ + freeSize_, kHugePageSize);
 }
 
 bool Arena::giveBack(void* memory) {

@@ -20,8 +20,8 @@ class Arena {
   // `size` bytes. `alignment` is a power of two, at most that of std::max_align_t.
   void* allocate(std::size_t size, std::size_t alignment) {
     const std::size_t skipped = -reinterpret_cast<std::uintptr_t>(free_) & (alignment - 1);
-    // Blocks end at a multiple of every alignment: there is always enough left to skip.
-    if (freeSize_ - skipped < size) return allocateInNewBlock(size);
+    // What is in use ends at a multiple of every alignment: there is always enough left to skip.
+    if (freeSize_ - skipped < size) return allocateFurtherOn(size, alignment);
     std::byte* const place = free_ + skipped;
     free_ = place + size;
     freeSize_ -= skipped + size;
@@ -43,17 +43,18 @@ class Arena {
     std::size_t size;
   };
 
-  static constexpr std::size_t kFirstBlock = std::size_t{1} << 14;
-
-  void* allocateInNewBlock(std::size_t size);
+  void* allocateFurtherOn(std::size_t size, std::size_t alignment);
+  std::size_t nextBlockSize() const;
+  void startBlock();
+  void useNextPart();
   static std::byte* addBlock(std::vector<Block>& blocks, std::size_t size);
 
-  std::vector<Block> blocks_;       // of many pieces
-  std::vector<Block> singles_;      // of one each
-  std::byte* nextBlock_ = nullptr;  // the last block, when there is nothing in it yet
-  std::byte* free_ = nullptr;       // the unused part of the newest block that is in use
-  std::size_t freeSize_ = 0;
-  std::size_t nextSize_ = kFirstBlock;
+  std::vector<Block> blocks_;   // of many pieces
+  std::vector<Block> singles_;  // of one each
+  std::byte* free_ = nullptr;   // the unused part of the newest block that is in use
+  std::size_t freeSize_ = 0;    // up to where it has pages, or will have them when touched
+  std::size_t unusedSize_ = 0;  // of the rest of that block, which comes into use part by part
+  std::size_t blocksSize_ = 0;  // of all blocks of many pieces
 };
 
 }  // namespace Orvane

@@ -4,10 +4,7 @@
 #include <sys/mman.h>
 
 #include <cstdint>
-#include <exception>
-#include <thread>
 
-#include "tree/parallel.h"
 #include "tree/spare_memory.h"
 
 namespace Orvane {
@@ -90,22 +87,6 @@ void giveBackSpareMemory() noexcept {
   for (auto spare = spareMemory().take(kAll); spare.size > 0; spare = spareMemory().take(kAll)) {
     unmap(spare.memory, spare.size);
   }
-}
-
-void makePagesAhead(void* memory, std::size_t size) {
-#ifdef MADV_POPULATE_WRITE
-  if (!isMapped(size) || usableProcessors() < 2) return;
-  const auto makePages = [begin = static_cast<std::byte*>(memory), size] {
-    for (std::size_t at = 0; at < size; at += kHugePageSize) {
-      if (::madvise(begin + at, kHugePageSize, MADV_POPULATE_WRITE) != 0) return;
-    }
-  };
-  try {
-    std::thread(makePages).detach();
-  } catch (const std::exception&) {
-    // Then they are made when they are touched.
-  }
-#endif
 }
 
 void keepFreedMemory() noexcept {

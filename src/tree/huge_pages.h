@@ -19,11 +19,6 @@ void freeLarge(void* memory, std::size_t size) noexcept;
 // system needs memory for the file.
 void giveBackSpareMemory() noexcept;
 
-// Has the pages of memory most of which will be touched soon made in the background, by a thread
-// that should have enough to do: to wait for each of them takes up to a third of the time. Does no
-// harm to memory that is freed, or given to somebody else, before it is done.
-void makePagesAhead(void* memory, std::size_t size);
-
 // Has malloc keep, for the whole process, what is freed for what is asked for next: sequences that
 // grow give much back that would otherwise be touched for the first time again and again. Threads
 // share it.

@@ -6,12 +6,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <new>
 #include <random>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "allocation_probe.h"
 #include "seeded_random.h"
 
 namespace Orvane::test {
@@ -83,6 +85,28 @@ TEST(Arena, StartsAnewWhenCleared) {
     }
     arena.clear();
     EXPECT_EQ(arena.keep("anew"), "anew");
+  }
+}
+
+TEST(Arena, GoesOnWhenThereIsMemoryAgain) {
+  Arena arena;
+  constexpr std::size_t kPiece = 1000;
+  std::vector<char*> pieces;
+  pieces.reserve(10'000);
+  for (int failures = 0; failures < 8; ++failures) {
+    const auto fillWhatThereIs = [&] {
+      const LimitedAllocations none(0);
+      while (true) pieces.push_back(static_cast<char*>(arena.allocate(kPiece, 1)));
+    };
+    EXPECT_THROW(fillWhatThereIs(), std::bad_alloc);
+    pieces.push_back(static_cast<char*>(arena.allocate(kPiece, 1)));
+  }
+  for (std::size_t i = 0; i < pieces.size(); ++i) {
+    std::fill_n(pieces[i], kPiece, static_cast<char>(i));
+  }
+  for (std::size_t i = 0; i < pieces.size(); ++i) {
+    const char value = static_cast<char>(i);
+    ASSERT_TRUE(std::all_of(pieces[i], pieces[i] + kPiece, [=](char c) { return c == value; }));
   }
 }
 

@@ -13,7 +13,9 @@
 
 #include "allocation_probe.h"
 #include "test_support.h"
+#include "tree/huge_pages.h"
 #include "tree/menu_tree.h"
+#include "tree/pages_ahead.h"
 
 namespace Orvane {
 namespace {
@@ -294,6 +296,7 @@ TEST(NodeOwnershipMemory, TreeUsesOutgrownArraysAgain) {
 }
 
 TEST(NodeOwnershipMemory, DeepTreeOfItsOwnNodesIsFreed) {
+  makePagesAhead(nullptr, kHugePageSize);  // what does that is there once and for all
   const std::ptrdiff_t before = test::liveAllocations();
   {
     MenuTree tree;
@@ -305,6 +308,7 @@ TEST(NodeOwnershipMemory, DeepTreeOfItsOwnNodesIsFreed) {
 }
 
 TEST(NodeOwnershipMemory, DeepAdoptedSubtreeIsFreed) {
+  makePagesAhead(nullptr, kHugePageSize);
   const std::ptrdiff_t before = test::liveAllocations();
   {
     MenuTree tree;

@@ -1,46 +1,90 @@
+#include "tree/pages_ahead.h"
+
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
-#include <filesystem>
-#include <iterator>
 #include <thread>
 #include <vector>
 
 #include "tree/huge_pages.h"
+#include "tree/parallel.h"
 
 namespace Orvane::test {
 namespace {
 
 constexpr std::size_t kSize = 2 * kHugePageSize;
 
-// Pages are made by a thread that nobody joins.
-void waitForOtherThreads() {
-  const auto threads = [] {
-    return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
-  };
-  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-  while (threads() > 1 && std::chrono::steady_clock::now() < end) std::this_thread::yield();
+// Memory that has no pages yet.
+class Pages {
+ public:
+  explicit Pages(int protection)
+      : memory_(::mmap(nullptr, kSize, protection, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1,
+                       0)) {
+    EXPECT_NE(memory_, MAP_FAILED);
+  }
+  Pages(const Pages&) = delete;
+  Pages& operator=(const Pages&) = delete;
+  ~Pages() { ::munmap(memory_, kSize); }
+
+  void* memory() const { return memory_; }
+
+  // How many there are.
+  std::size_t count() const {
+    std::vector<unsigned char> pages(kSize / kPageSize);
+    EXPECT_EQ(::mincore(memory_, kSize, pages.data()), 0);
+    return static_cast<std::size_t>(
+        std::count_if(pages.begin(), pages.end(), [](unsigned char page) { return page & 1; }));
+  }
+
+  static constexpr std::size_t kPageSize = 4096;
+
+ private:
+  void* memory_;
+};
+
+// They are made in the order in which they are asked for. On a single processor none are.
+void waitForPages() {
+  const Pages last(PROT_READ | PROT_WRITE);
+  const std::size_t all = usableProcessors() < 2 ? 0 : kSize / Pages::kPageSize;
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+  do {
+    makePagesAhead(last.memory(), kSize);
+    std::this_thread::yield();
+  } while (last.count() != all && std::chrono::steady_clock::now() < end);
+  EXPECT_EQ(last.count(), all);
 }
 
-// Whether any page of `memory` is there.
-bool hasPages(void* memory) {
-  std::vector<unsigned char> pages(kSize / 4096);
-  EXPECT_EQ(::mincore(memory, kSize, pages.data()), 0);
-  return std::any_of(pages.begin(), pages.end(), [](unsigned char page) { return page & 1; });
+TEST(PagesAhead, AreAllMade) {
+  const Pages pages(PROT_READ | PROT_WRITE);
+  makePagesAhead(pages.memory(), kSize);
+  waitForPages();
+  EXPECT_EQ(pages.count(), usableProcessors() < 2 ? 0 : kSize / Pages::kPageSize);
 }
 
-// Somebody else may have it by the time that the thread runs, and need not have it for writing.
+// Somebody else may have it by the time that the thread gets there, and need not have it for
+// writing.
 TEST(PagesAhead, AreNotMadeWhereNobodyMayWrite) {
-  void* const memory =
-      ::mmap(nullptr, kSize, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-  ASSERT_NE(memory, MAP_FAILED);
-  makePagesAhead(memory, kSize);
-  waitForOtherThreads();
-  EXPECT_FALSE(hasPages(memory));
-  ::munmap(memory, kSize);
+  const Pages pages(PROT_NONE);
+  makePagesAhead(pages.memory(), kSize);
+  waitForPages();
+  EXPECT_EQ(pages.count(), 0);
+}
+
+TEST(PagesAhead, FreedMemoryDoesNoHarm) {
+  {
+    const Pages pages(PROT_READ | PROT_WRITE);
+    makePagesAhead(pages.memory(), kSize);
+  }
+  waitForPages();
+}
+
+TEST(PagesAhead, MoreThanIsWaitedForIsForgotten) {
+  const Pages pages(PROT_READ | PROT_WRITE);
+  for (int i = 0; i < 1000; ++i) makePagesAhead(pages.memory(), kSize);
+  waitForPages();
 }
 
 }  // namespace

@@ -1,0 +1,88 @@
+#include "tree/pages_ahead.h"
+
+#include <sys/mman.h>
+#include <sys/resource.h>
+
+#include <array>
+#include <condition_variable>
+#include <exception>
+#include <mutex>
+#include <new>
+#include <thread>
+
+#include "tree/huge_pages.h"
+#include "tree/parallel.h"
+
+namespace Orvane {
+
+namespace {
+
+// A thread that makes pages until the process ends, and those for whom it does.
+class PageMaker {
+ public:
+  PageMaker() {
+    if (usableProcessors() < 2) return;
+    try {
+      std::thread([this] { work(); }).detach();
+      hasThread_ = true;
+    } catch (const std::exception&) {
+      // Then they are made when they are touched.
+    }
+  }
+
+  void add(std::byte* memory, std::size_t size) {
+    {
+      const std::lock_guard lock(mutex_);
+      if (!hasThread_ || added_ - taken_ == pieces_.size()) return;
+      pieces_[added_++ % pieces_.size()] = {memory, size};
+    }
+    changed_.notify_one();
+  }
+
+ private:
+  struct Piece {
+    std::byte* memory;
+    std::size_t size;
+  };
+
+  // Whoever has something to work out must not wait for this.
+  static void giveWay() {
+    constexpr int kLowest = 19;
+    static_cast<void>(::setpriority(PRIO_PROCESS, 0, kLowest));  // of this thread
+  }
+
+  void work() {
+    giveWay();
+    while (true) makePages(take());
+  }
+
+  Piece take() {
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [this] { return added_ != taken_; });
+    return pieces_[taken_++ % pieces_.size()];
+  }
+
+  static void makePages(Piece piece) {
+    for (std::size_t at = 0; at < piece.size; at += kHugePageSize) {
+      if (::madvise(piece.memory + at, kHugePageSize, MADV_POPULATE_WRITE) != 0) return;
+    }
+  }
+
+  bool hasThread_ = false;
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  std::array<Piece, 64> pieces_;  // what is more isn't worth waiting for
+  std::size_t added_ = 0;
+  std::size_t taken_ = 0;
+};
+
+}  // namespace
+
+void makePagesAhead(void* memory, std::size_t size) {
+  if (size < kHugePageSize) return;
+  // Never destroyed: nobody joins the thread.
+  static PageMaker* const maker = new (std::nothrow) PageMaker();
+  if (maker != nullptr) maker->add(static_cast<std::byte*>(memory), size);
+}
+
+}  // namespace Orvane
