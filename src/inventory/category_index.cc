@@ -31,19 +31,23 @@ std::uint32_t CategoryIndex::positionOf(std::uint32_t id) const {
 std::uint32_t CategoryIndex::enterId(std::uint32_t id) {
   std::uint32_t position = positionOf(id);
   if (position == kUnknown) {
-    position = static_cast<std::uint32_t>(names_.size());
-    names_.push_back({.id = id});
+    position = static_cast<std::uint32_t>(named_.size());
+    names_.resize(position + 1);  // which has that many where there was no memory for what follows
+    names_[position].id = id;
+    named_.push_back(nullptr);
     nameById_.enter(id, position);
   }
   return position;
 }
 
 // Tracks that have the same name share what it is in: then there is nothing to be looked at.
-void CategoryIndex::rename(Name& name, const NamedId& entry) {
-  if (name.named == &entry) return;
-  const bool isNew = name.named == nullptr;
-  if (isNew || name.named->name() != entry.name()) {
+void CategoryIndex::rename(std::uint32_t position, const NamedId& entry) {
+  const NamedId*& named = named_[position];
+  if (named == &entry) return;
+  const bool isNew = named == nullptr;
+  if (isNew || named->name() != entry.name()) {
     const std::string folded = foldName(entry.name());
+    Name& name = names_[position];
     if (isNew || folded != name.folded()) {
       if (!isNew) placeEntries();
       name.foldedBytes = foldedNames_.keep(folded).data();
@@ -51,7 +55,7 @@ void CategoryIndex::rename(Name& name, const NamedId& entry) {
       name.firstBytes = nameBytesAt(folded, 0);
     }
   }
-  name.named = &entry;
+  named = &entry;
 }
 
 void CategoryIndex::placeEntries() {
@@ -74,7 +78,7 @@ void CategoryIndex::add(std::uint32_t position, std::uint32_t track) {
 
 void CategoryIndex::insert(const NamedId& entry, std::uint32_t track) {
   const std::uint32_t position = enterId(entry.id());
-  rename(names_[position], entry);
+  rename(position, entry);
   add(position, track);
 }
 
@@ -93,7 +97,7 @@ void CategoryIndex::insert(std::uint32_t id, std::uint32_t track) {
 
 const NamedId* CategoryIndex::find(std::uint32_t id) const {
   const std::uint32_t position = positionOf(id);
-  return position == kUnknown ? nullptr : names_[position].named;
+  return position == kUnknown ? nullptr : named_[position];
 }
 
 LargeVector<std::uint32_t> CategoryIndex::tracksInOrder() const {
@@ -156,6 +160,7 @@ void CategoryIndex::clear() {
   placedEntries_.clear();
   entries_.clear();
   release(names_);
+  release(named_);
   nameById_.clear();
   found_.fill({});
   foldedNames_.clear();

@@ -50,12 +50,11 @@ class CategoryIndex {
     }
     const std::uint32_t position = positionOf(id);
     if (position == kUnknown) return;
-    const Name& name = names_[position];
     if (step == 1) {
-      prefetch(&name);
-    } else if (name.named != nullptr) {
+      prefetch(&named_[position]);
+    } else if (named_[position] != nullptr) {
       constexpr std::size_t kCacheLine = 64;
-      const auto* const named = reinterpret_cast<const char*>(name.named);
+      const auto* const named = reinterpret_cast<const char*>(named_[position]);
       prefetch(named);
       prefetch(named + kCacheLine);
     }
@@ -81,7 +80,6 @@ class CategoryIndex {
 
  private:
   struct Name {
-    const NamedId* named = nullptr;     // nullptr where ids have no names
     const char* foldedBytes = nullptr;  // of the name; otherwise of the id, the highest first
     std::uint64_t firstBytes = 0;       // of those: see nameBytesAt
     std::uint32_t size = 0;             // of them
@@ -103,11 +101,12 @@ class CategoryIndex {
   bool orders(std::uint32_t a, std::uint32_t b) const;
   std::uint32_t positionOf(std::uint32_t id) const;
   std::uint32_t enterId(std::uint32_t id);
-  void rename(Name& name, const NamedId& entry);
+  void rename(std::uint32_t position, const NamedId& entry);
   void add(std::uint32_t position, std::uint32_t track);
   void placeEntries();
 
   LargeVector<Name> names_;
+  LargeVector<const NamedId*> named_;        // of the same; nullptr where ids have no names
   IdMap<std::uint32_t, kUnknown> nameById_;  // id to position in names_
   // What positionOf() has found, each in the place of its id's last bits: an id is asked for its
   // name several times, then given an entry.
@@ -115,7 +114,7 @@ class CategoryIndex {
     std::uint32_t id = 0;
     std::uint32_t position = kUnknown;
   };
-  mutable std::array<Found, 256> found_;
+  mutable std::array<Found, 1024> found_;
   Arena foldedNames_;
 
   // Either all entries as they came, or, once that doesn't determine their order, all in place: in
