@@ -89,11 +89,7 @@ class IdMap {
   }
 
   void resize(std::size_t size) {
-    LargeVector<Slot> old;
-    old.reserve(size);
-    // Half of the pages are made while the other half is filled.
-    makePagesAhead(old.data() + size / 2, size / 2 * sizeof(Slot));
-    old.resize(size);
+    auto old = makeLargeVector<Slot>(size);
     old.swap(slots_);
     for (const Slot& slot : old) {
       if (slot.value != kNone) slots_[place(slot.id)] = slot;

@@ -29,8 +29,11 @@ class LinkedTable {
 
   std::uint32_t size() const { return size_; }
 
-  // Makes room for so many leaves that are appended one by one.
-  void reserve(std::size_t leaves) { leaves_.reserve(leaves); }
+  // Makes room for so many records, be they appended as leaves or as what is yet to be linked.
+  void reserve(std::size_t records) {
+    leaves_.reserve(records);
+    linked_.reserve(records);
+  }
 
   // Appends the record of a media leaf without children.
   Link appendLeaf(Leaf leaf) {

@@ -2,11 +2,24 @@
 
 #include <cstddef>
 
+#include "tree/huge_pages.h"
+
 namespace Orvane {
 
 // Has the pages of memory that will be touched soon made in the background, where there is a
 // processor to spare: to wait for each of them takes up to half of the time. Does no harm to memory
 // that is freed, or given to somebody else, before it is done. For several threads.
 void makePagesAhead(void* memory, std::size_t size);
+
+// A vector of so many elements, as T() makes them. Half of its pages are made while the other half
+// is filled.
+template <typename T>
+LargeVector<T> makeLargeVector(std::size_t size) {
+  LargeVector<T> vector;
+  vector.reserve(size);
+  makePagesAhead(vector.data() + size / 2, size / 2 * sizeof(T));
+  vector.resize(size);
+  return vector;
+}
 
 }  // namespace Orvane

@@ -7,6 +7,7 @@
 
 #include "tree/huge_pages.h"
 #include "tree/keyed_hash.h"
+#include "tree/pages_ahead.h"
 #include "tree/prefetch.h"
 
 namespace Orvane {
@@ -61,7 +62,7 @@ class PositionIndex {
   };
 
   void resize(std::size_t size) {
-    LargeVector<Slot> old(size);
+    auto old = makeLargeVector<Slot>(size);
     old.swap(slots_);
     for (const Slot& slot : old) {
       if (slot.position == kFree) continue;

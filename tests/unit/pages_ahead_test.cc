@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <thread>
 #include <vector>
 
@@ -85,6 +86,18 @@ TEST(PagesAhead, MoreThanIsWaitedForIsForgotten) {
   const Pages pages(PROT_READ | PROT_WRITE);
   for (int i = 0; i < 1000; ++i) makePagesAhead(pages.memory(), kSize);
   waitForPages();
+}
+
+TEST(PagesAhead, LargeVectorIsFilled) {
+  struct Element {
+    std::uint32_t value = 5;
+  };
+  constexpr std::size_t kCount = 3 * kHugePageSize / sizeof(Element) + 1;
+  const auto vector = makeLargeVector<Element>(kCount);
+  ASSERT_EQ(vector.size(), kCount);
+  EXPECT_TRUE(std::all_of(vector.begin(), vector.end(),
+                          [](const Element& element) { return element.value == 5; }));
+  EXPECT_TRUE(makeLargeVector<Element>(0).empty());
 }
 
 }  // namespace
