@@ -3,6 +3,7 @@
 #include <sys/mman.h>
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <array>
 #include <condition_variable>
 #include <exception>
@@ -17,7 +18,7 @@ namespace Orvane {
 
 namespace {
 
-// A thread that makes pages until the process ends, and those for whom it does.
+// A thread that makes pages until the process ends, and what it is to make them of.
 class PageMaker {
  public:
   PageMaker() {
@@ -45,10 +46,11 @@ class PageMaker {
     std::size_t size;
   };
 
-  // Whoever has something to work out must not wait for this.
+  // Whoever has something to work out must not wait for this. (On Linux a thread has a priority of
+  // its own.)
   static void giveWay() {
     constexpr int kLowest = 19;
-    static_cast<void>(::setpriority(PRIO_PROCESS, 0, kLowest));  // of this thread
+    static_cast<void>(::setpriority(PRIO_PROCESS, 0, kLowest));
   }
 
   void work() {
@@ -64,14 +66,15 @@ class PageMaker {
 
   static void makePages(Piece piece) {
     for (std::size_t at = 0; at < piece.size; at += kHugePageSize) {
-      if (::madvise(piece.memory + at, kHugePageSize, MADV_POPULATE_WRITE) != 0) return;
+      const std::size_t size = std::min(piece.size - at, kHugePageSize);
+      if (::madvise(piece.memory + at, size, MADV_POPULATE_WRITE) != 0) return;
     }
   }
 
   bool hasThread_ = false;
   std::mutex mutex_;
   std::condition_variable changed_;
-  std::array<Piece, 64> pieces_;  // what is more isn't worth waiting for
+  std::array<Piece, 64> pieces_;  // what comes when it is full isn't worth waiting for
   std::size_t added_ = 0;
   std::size_t taken_ = 0;
 };

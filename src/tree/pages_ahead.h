@@ -9,6 +9,8 @@ namespace Orvane {
 // Has the pages of memory that will be touched soon made in the background, where there is a
 // processor to spare: to wait for each of them takes up to half of the time. Does no harm to memory
 // that is freed, or given to somebody else, before it is done. For several threads.
+//
+// `memory` is at a multiple of a page's size; of less than a large page none are made.
 void makePagesAhead(void* memory, std::size_t size);
 
 // A vector of so many elements, as T() makes them. Half of its pages are made while the other half
@@ -17,7 +19,9 @@ template <typename T>
 LargeVector<T> makeLargeVector(std::size_t size) {
   LargeVector<T> vector;
   vector.reserve(size);
-  makePagesAhead(vector.data() + size / 2, size / 2 * sizeof(T));
+  const std::size_t bytes = size * sizeof(T);
+  const std::size_t half = bytes / 2 / kHugePageSize * kHugePageSize;
+  makePagesAhead(reinterpret_cast<std::byte*>(vector.data()) + half, bytes - half);
   vector.resize(size);
   return vector;
 }
