@@ -85,9 +85,10 @@ bool writeTwoTable(const MenuTree& tree, Buffer& buffer) {
   TreeTable treeTable;
   DataTable dataTable;
   DataRecordIndex idMap(tree);
-  treeTable.reserve(tree.nodeCountHint());
+  // First what is surely used: the pages that there are go to what asks first.
   dataTable.reserve(tree.nodeCountHint() + idMap.tracksWithoutRecord);
   makePagesAhead(dataTable.data(), dataTable.capacity() * sizeof(Child));
+  treeTable.reserve(tree.nodeCountHint());
   layOut(tree, treeTable, dataTable, idMap);
   idMap.endSearch();
 

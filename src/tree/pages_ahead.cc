@@ -14,6 +14,10 @@
 #include "tree/huge_pages.h"
 #include "tree/parallel.h"
 
+#ifndef MADV_POPULATE_WRITE
+#define MADV_POPULATE_WRITE 23  // kernels that don't know it refuse it
+#endif
+
 namespace Orvane {
 
 namespace {
@@ -21,19 +25,10 @@ namespace {
 // A thread that makes pages until the process ends, and what it is to make them of.
 class PageMaker {
  public:
-  PageMaker() {
-    if (usableProcessors() < 2) return;
-    try {
-      std::thread([this] { work(); }).detach();
-      hasThread_ = true;
-    } catch (const std::exception&) {
-      // Then they are made when they are touched.
-    }
-  }
-
   void add(std::byte* memory, std::size_t size) {
     {
       const std::lock_guard lock(mutex_);
+      if (!hasThread_) hasThread_ = startThread();
       if (!hasThread_ || added_ - taken_ == pieces_.size()) return;
       pieces_[added_++ % pieces_.size()] = {memory, size};
     }
@@ -45,6 +40,17 @@ class PageMaker {
     std::byte* memory;
     std::size_t size;
   };
+
+  // False where there is none to be had: then pages are made when they are touched.
+  bool startThread() {
+    if (usableProcessors() < 2) return false;
+    try {
+      std::thread([this] { work(); }).detach();
+    } catch (const std::exception&) {
+      return false;
+    }
+    return true;
+  }
 
   // Whoever has something to work out must not wait for this. (On Linux a thread has a priority of
   // its own.)
@@ -84,8 +90,9 @@ class PageMaker {
 void makePagesAhead(void* memory, std::size_t size) {
   if (size < kHugePageSize) return;
   // Never destroyed: nobody joins the thread.
-  static PageMaker* const maker = new (std::nothrow) PageMaker();
-  if (maker != nullptr) maker->add(static_cast<std::byte*>(memory), size);
+  alignas(PageMaker) static std::array<std::byte, sizeof(PageMaker)> place;
+  static PageMaker& maker = *new (place.data()) PageMaker();
+  maker.add(static_cast<std::byte*>(memory), size);
 }
 
 }  // namespace Orvane

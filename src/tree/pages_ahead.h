@@ -13,15 +13,17 @@ namespace Orvane {
 // `memory` is at a multiple of a page's size; of less than a large page none are made.
 void makePagesAhead(void* memory, std::size_t size);
 
-// A vector of so many elements, as T() makes them. Half of its pages are made while the other half
-// is filled.
+// A vector of so many elements, as T() makes them. Half of its pages, if they are many, are made
+// while the other half is filled.
 template <typename T>
 LargeVector<T> makeLargeVector(std::size_t size) {
   LargeVector<T> vector;
   vector.reserve(size);
   const std::size_t bytes = size * sizeof(T);
   const std::size_t half = bytes / 2 / kHugePageSize * kHugePageSize;
-  makePagesAhead(reinterpret_cast<std::byte*>(vector.data()) + half, bytes - half);
+  if (half > 0) {
+    makePagesAhead(reinterpret_cast<std::byte*>(vector.data()) + half, bytes - half);
+  }
   vector.resize(size);
   return vector;
 }

@@ -93,12 +93,13 @@ TEST(Arena, GoesOnWhenThereIsMemoryAgain) {
   constexpr std::size_t kPiece = 1000;
   std::vector<char*> pieces;
   pieces.reserve(10'000);
-  for (int failures = 0; failures < 8; ++failures) {
+  for (int failures = 0; failures < 7; ++failures) {  // larger blocks don't come from operator new
     const auto fillWhatThereIs = [&] {
       const LimitedAllocations none(0);
       while (true) pieces.push_back(static_cast<char*>(arena.allocate(kPiece, 1)));
     };
     EXPECT_THROW(fillWhatThereIs(), std::bad_alloc);
+    ASSERT_LT(pieces.size(), pieces.capacity());
     pieces.push_back(static_cast<char*>(arena.allocate(kPiece, 1)));
   }
   for (std::size_t i = 0; i < pieces.size(); ++i) {
