@@ -24,13 +24,13 @@ void Arena::clear() {
   blocksSize_ = 0;
 }
 
+// Blocks are aligned for anything.
 std::byte* Arena::addBlock(std::vector<Block>& blocks, std::size_t size) {
   blocks.push_back({nullptr, 0});  // first, so that no block is lost if there's no room for it
   blocks.back() = {allocateLarge(size), size};
   return static_cast<std::byte*>(blocks.back().memory);
 }
 
-// Blocks are aligned for anything.
 void* Arena::allocateFurtherOn(std::size_t size, std::size_t alignment) {
   // What would take much of a block gets one to itself, so that little is left unused.
   if (size >= std::min(nextBlockSize() / 4, kHugePageSize)) return addBlock(singles_, size);
@@ -55,7 +55,7 @@ void Arena::startBlock() {
   blocksSize_ += size;
 }
 
-// Large blocks come into use a page at a time, while the next one is being made.
+// Large blocks come into use a large page at a time, while the next one is being made.
 void Arena::useNextPart() {
   const std::size_t part = std::min(unusedSize_, kHugePageSize);
   freeSize_ += part;

@@ -20,7 +20,7 @@ class Arena {
   // `size` bytes. `alignment` is a power of two, at most that of std::max_align_t.
   void* allocate(std::size_t size, std::size_t alignment) {
     const std::size_t skipped = -reinterpret_cast<std::uintptr_t>(free_) & (alignment - 1);
-    // What is in use ends at a multiple of every alignment: there is always enough left to skip.
+    // The part in use ends at a multiple of every alignment: there is always enough left to skip.
     if (freeSize_ - skipped < size) return allocateFurtherOn(size, alignment);
     std::byte* const place = free_ + skipped;
     free_ = place + size;
@@ -51,8 +51,8 @@ class Arena {
 
   std::vector<Block> blocks_;   // of many pieces
   std::vector<Block> singles_;  // of one each
-  std::byte* free_ = nullptr;   // the unused part of the newest block that is in use
-  std::size_t freeSize_ = 0;    // up to where it has pages, or will have them when touched
+  std::byte* free_ = nullptr;   // what is free of that part of the newest block that is in use
+  std::size_t freeSize_ = 0;    // of that
   std::size_t unusedSize_ = 0;  // of the rest of that block, which comes into use part by part
   std::size_t blocksSize_ = 0;  // of all blocks of many pieces
 };
