@@ -9,9 +9,7 @@ namespace Orvane {
 bool TrackIndex::add(Track& track) {
   const auto number = static_cast<Number>(tracksByNumber_.size());
   tracksByNumber_.push_back(&track);
-  Number& entered = tracksById_.enter(track.getMediaId(), number);
-  if (entered == kNoTrack) entered = number;
-  if (entered != number) {
+  if (numbersById_.enter(track.getMediaId(), number) != number) {
     tracksByNumber_.pop_back();
     return false;
   }
@@ -31,28 +29,27 @@ bool TrackIndex::add(Track& track) {
 // Growing in steps would touch memory that is given up again, and move each id twice.
 void TrackIndex::expect(std::size_t count) {
   try {
-    tracksById_.reserve(tracksByNumber_.size() + count);
+    numbersById_.reserve(tracksByNumber_.size() + count);
   } catch (const std::bad_alloc&) {
     // What really comes may well fit.
   }
 }
 
 void TrackIndex::expect(const TrackIds& track, int step) const {
-  if (step == 0) tracksById_.expect(track.media);
+  if (step == 0) numbersById_.expect(track.media);
   artists_.expect(track.artist, step);
   albums_.expect(track.album, step);
   genres_.expect(track.genre, step);
 }
 
 void TrackIndex::expectLookups(std::span<const std::uint32_t> mediaIds) const {
-  for (const std::uint32_t id : mediaIds) tracksById_.expect(id);
+  for (const std::uint32_t id : mediaIds) numbersById_.expect(id);
 }
 
 void TrackIndex::remove(std::uint32_t mediaId) {
-  const Number* const found = tracksById_.find(mediaId);
-  if (found != nullptr && *found != kNoTrack) {
+  if (const Number found = numbersById_.find(mediaId)) {
     for (CategoryIndex* category : {&genres_, &artists_, &albums_, &ratings_}) {
-      category->eraseTracks({found, 1});
+      category->eraseTracks({&found, 1});
     }
   }
   if (!hasOwnList_) {
@@ -63,7 +60,7 @@ void TrackIndex::remove(std::uint32_t mediaId) {
   static_cast<void>(std::remove_if(ownList_.begin(), ownList_.end(), [=, this](Number number) {
     return tracksByNumber_[number]->getMediaId() == mediaId;
   }));
-  tracksById_.erase(mediaId);
+  numbersById_.erase(mediaId);
 }
 
 void TrackIndex::removeCategory(CategoryIndex& category, std::uint32_t id) {
@@ -75,12 +72,11 @@ void TrackIndex::removeCategory(CategoryIndex& category, std::uint32_t id) {
 }
 
 const Track* TrackIndex::find(std::uint32_t mediaId) const {
-  const Number* const found = tracksById_.find(mediaId);
-  return found == nullptr || *found == kNoTrack ? nullptr : tracksByNumber_[*found];
+  return tracksByNumber_[numbersById_.find(mediaId)];
 }
 
 const Track* TrackIndex::findOrEnter(std::uint32_t mediaId) {
-  tracksById_.enter(mediaId, kNoTrack);
+  numbersById_.enterEmpty(mediaId);
   return find(mediaId);
 }
 
@@ -89,7 +85,7 @@ void TrackIndex::clear() {
   release(ownList_);
   hasOwnList_ = false;
   firstOfList_ = static_cast<Number>(tracksByNumber_.size());
-  tracksById_.clear();
+  numbersById_.clear();
   for (CategoryIndex* category : {&genres_, &artists_, &albums_, &ratings_}) category->clear();
 }
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "inventory/category_index.h"
-#include "inventory/id_map.h"
+#include "inventory/media_id_index.h"
 #include "tree/track.h"
 #include "tree/track_table.h"
 
@@ -32,8 +32,8 @@ class TrackIndex {
   // its album and all that this refers to must outlive the index.
   bool add(Track& track);
 
-  // Says that about so many tracks will be added. Room for their ids is made, and touched, if there
-  // is memory.
+  // Says that about so many tracks will be added. If their ids need room, it is made, and touched,
+  // if there is memory.
   void expect(std::size_t count);
 
   // Asks, in three steps from 0 on, each in time for the next, for what adding a track with these
@@ -67,11 +67,11 @@ class TrackIndex {
   // Like find, but leaves an empty entry under an unknown id, as looking up in a map by subscript
   // does.
   const Track* findOrEnter(std::uint32_t mediaId);
-  bool hasEntry(std::uint32_t mediaId) const { return tracksById_.find(mediaId) != nullptr; }
+  bool hasEntry(std::uint32_t mediaId) const { return numbersById_.hasEntry(mediaId); }
 
   // Forgets all media ids, which take much memory: no track is found by its id any more, all else
   // stays as it is. For when all has been read: until clear(), nothing may be added or removed.
-  void forgetIds() { tracksById_.clear(); }
+  void forgetIds() { numbersById_.clear(); }
 
   void clear();
 
@@ -103,14 +103,12 @@ class TrackIndex {
   std::vector<const Track*> tracksInOrder(const CategoryIndex& category) const;
 
  private:
-  static constexpr Number kNoTrack = 0;
-
   TrackTable tracksByNumber_;
   // The track list is the end of the table until a track is removed.
   Number firstOfList_ = 1;
   bool hasOwnList_ = false;
   LargeVector<Number> ownList_;
-  IdMap<Number, 0xFFFFFFFF> tracksById_;
+  MediaIdIndex numbersById_;
   CategoryIndex genres_;
   CategoryIndex artists_;
   CategoryIndex albums_;

@@ -9,8 +9,8 @@
 
 namespace Orvane {
 
-// A sequence that is only appended to and gone through in order. It never moves what it holds:
-// growing touches no memory twice.
+// A sequence that is only appended to. It never moves what it holds: growing touches no memory
+// twice.
 template <typename T>
 class ChunkedList {
   static_assert(std::is_trivial_v<T>);
@@ -24,6 +24,10 @@ class ChunkedList {
   }
 
   std::size_t size() const { return size_; }
+
+  const T& operator[](std::size_t index) const {
+    return (*chunks_[index / kChunkSize])[index % kChunkSize];
+  }
 
   // Calls `use` with each value in order.
   template <typename Use>

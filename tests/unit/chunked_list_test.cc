@@ -26,6 +26,7 @@ TEST(ChunkedList, HoldsWhatWasAppendedInOrder) {
     ASSERT_EQ(list.size(), expected.size());
     ASSERT_EQ(valuesOf(list), expected);
   }
+  for (std::size_t i = 0; i < expected.size(); ++i) ASSERT_EQ(list[i], expected[i]);
 }
 
 TEST(ChunkedList, IsEmptyWhenCleared) {

@@ -299,9 +299,12 @@ TEST(Track, IsStreamedAsTitleArtistAndAlbum) {
 
 TEST(TrackManager, ExpectingMoreThanThereIsMemoryForDoesNoHarm) {
   TrackManager manager;
-  manager.expectTracks(std::size_t{1} << 45);
-  manager.addTrack("title", 1, "artist", 2, "album", 3, "genre", 4, 0);
-  EXPECT_TRUE(manager.hasTrack(1));
+  for (const std::uint32_t mediaId : {2U, 1U, 3U}) {  // no room is made for ids that only count up
+    manager.addTrack("title", mediaId, "artist", 2, "album", 3, "genre", 4, 0);
+    manager.expectTracks(std::size_t{1} << 45);
+  }
+  for (const std::uint32_t mediaId : {1U, 2U, 3U})
+    EXPECT_TRUE(manager.hasTrack(mediaId)) << mediaId;
 }
 
 }  // namespace

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "inventory/id_map.h"
+#include "tree/chunked_list.h"
+
+namespace Orvane {
+
+// Finds the numbers of tracks, which are not 0, by their media ids.
+//
+// In most lists the media ids count up, in whatever steps. As long as each id entered is above all
+// before it, and its number the next one, the ids are kept as they come, 4 bytes each: a sorted
+// list, in which one is found where even steps would have it or not far from there. With anything
+// else they are put into a hash table, and stay there until clear().
+//
+// When memory runs out it throws std::bad_alloc, and holds what it held before.
+class MediaIdIndex {
+ public:
+  // The number under `id`, 0 if there is none.
+  std::uint32_t find(std::uint32_t id) const;
+
+  // Whether there is a number, or an empty entry, under `id`.
+  bool hasEntry(std::uint32_t id) const;
+
+  // The number under `id`, which is `number` if there was none.
+  std::uint32_t enter(std::uint32_t id, std::uint32_t number) {
+    const bool isNext = ids_.size() == 0 || (id > lastId_ && number == firstNumber_ + ids_.size());
+    if (!isList_ || !isNext) return enterOther(id, number);
+    ids_.push_back(id);
+    if (ids_.size() == 1) firstNumber_ = number;
+    lastId_ = id;
+    return number;
+  }
+
+  // Makes an empty entry under `id`, unless there is one.
+  void enterEmpty(std::uint32_t id);
+
+  void erase(std::uint32_t id);
+
+  void clear();
+
+  // Makes room for so many ids in the table, if there is one: the list needs none.
+  void reserve(std::size_t ids) {
+    if (!isList_) numbers_.reserve(ids);
+  }
+
+  // Asks for the place of `id`, which will soon be looked for or entered.
+  void expect(std::uint32_t id) const;
+
+ private:
+  static constexpr std::uint32_t kNoNumber = 0;
+
+  bool isInRange(std::uint32_t id) const {
+    return ids_.size() > 0 && id >= ids_[0] && id <= lastId_;
+  }
+  std::size_t likelyPlace(std::uint32_t id) const;
+  std::size_t placeInList(std::uint32_t id) const;
+  std::uint32_t enterOther(std::uint32_t id, std::uint32_t number);
+  void leaveList();
+
+  bool isList_ = true;
+  ChunkedList<std::uint32_t> ids_;            // as long as isList_
+  std::uint32_t lastId_ = 0;                  // of those
+  std::uint32_t firstNumber_ = 0;             // under the first of them
+  IdMap<std::uint32_t, 0xFFFFFFFF> numbers_;  // otherwise; kNoNumber in empty entries
+};
+
+}  // namespace Orvane
