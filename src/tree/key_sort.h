@@ -10,14 +10,20 @@
 
 namespace Orvane {
 
+// What becomes of elements of equal keys.
+enum class Ties {
+  kAsByStdSort,  // the order that std::sort of the GNU library gives them
+  kInAnyOrder,   // which takes less time where they are many
+};
+
 // Sorts by keys that are numbers, to the order that std::sort of the GNU library gives, also among
-// elements of equal keys: there is no other reason for it in existing inventories. So each decision
-// here is one of that introsort, and must stay so; but they are taken without branches that depend
-// on a comparison, of which the processor foresees only every second: half the time. What that
-// library does with keys that hardly part is left to it.
+// elements of equal keys: there is no other reason for theirs in existing inventories. So each
+// decision here is one of that introsort, and must stay so; but they are taken without branches
+// that depend on a comparison, of which the processor foresees only every second: half the time.
+// What that library does with keys that hardly part is left to it.
 //
 // Elements are copied, and made before they are given a value.
-template <typename Element, typename KeyOf>
+template <Ties kTies, typename Element, typename KeyOf>
 class KeySorter {
  public:
   // `keyOf` gives an element's key.
@@ -57,12 +63,21 @@ class KeySorter {
         });
         return;
       }
+      if (kTies == Ties::kInAnyOrder && haveOneKey(first, last)) return;
       std::swap(*first, *medianOf(first + 1, first + (last - first) / 2, last - 1));
       Element* const cut = partition(first + 1, last, keyOf_(*first));
       sort(cut, last, levelsLeft - 1);
       last = cut;
     }
     sortFew({first, last});
+  }
+
+  bool haveOneKey(const Element* first, const Element* last) const {
+    const auto key = keyOf_(*first);
+    const auto hasKey = [&](const Element& element) { return keyOf_(element) == key; };
+    // Most have several, of which one shows here.
+    return hasKey(first[(last - first) / 2]) && hasKey(last[-1]) &&
+           std::all_of(first, last, hasKey);
   }
 
   Element* medianOf(Element* a, Element* b, Element* c) const {
@@ -122,9 +137,9 @@ class KeySorter {
   KeyOf keyOf_;
 };
 
-template <typename Element, typename KeyOf>
+template <Ties kTies = Ties::kAsByStdSort, typename Element, typename KeyOf>
 void sortByKey(std::span<Element> elements, KeyOf keyOf) {
-  KeySorter<Element, KeyOf>(keyOf).sort(elements);
+  KeySorter<kTies, Element, KeyOf>(keyOf).sort(elements);
 }
 
 }  // namespace Orvane

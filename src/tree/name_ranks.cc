@@ -139,7 +139,7 @@ void NameRanks::rankPart(std::span<Key> all, std::uint32_t firstRank) {
         key.bytes = byLength ? key.size : nameBytesAt({key.name, key.size}, part.offset);
       }
     }
-    sortByKey(keys, [](const Key& key) { return key.bytes; });
+    sortByKey<Ties::kInAnyOrder>(keys, [](const Key& key) { return key.bytes; });
     for (std::size_t i = part.begin; i < part.end;) {
       const std::size_t first = i;
       while (i < part.end && all[i].bytes == all[first].bytes) ++i;

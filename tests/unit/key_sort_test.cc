@@ -35,6 +35,13 @@ void expectSortedAsByStdSort(const std::vector<std::uint64_t>& keys) {
   ASSERT_EQ(elements, expected);
 }
 
+void expectSorted(std::vector<std::uint64_t> keys) {
+  std::vector<std::uint64_t> expected = keys;
+  std::sort(expected.begin(), expected.end());
+  sortByKey<Ties::kInAnyOrder>(std::span(keys), [](std::uint64_t key) { return key; });
+  ASSERT_EQ(keys, expected);
+}
+
 TEST(KeySort, OfRandomKeys) {
   auto random = seededRandom(1);
   for (std::size_t round = 0; round < 20'000; ++round) {
@@ -44,6 +51,7 @@ TEST(KeySort, OfRandomKeys) {
     std::vector<std::uint64_t> keys(count);
     for (std::uint64_t& key : keys) key = random() % different;
     ASSERT_NO_FATAL_FAILURE(expectSortedAsByStdSort(keys));
+    ASSERT_NO_FATAL_FAILURE(expectSorted(keys));
   }
 }
 
@@ -63,6 +71,7 @@ TEST(KeySort, OfRegularKeys) {
       }
       for (const auto& keys : {up, down, inTurn, upAndDown}) {
         ASSERT_NO_FATAL_FAILURE(expectSortedAsByStdSort(keys));
+        ASSERT_NO_FATAL_FAILURE(expectSorted(keys));
       }
     }
   }
