@@ -15,6 +15,7 @@
 #include "inventory/line_reader.h"
 #include "inventory/track_batch.h"
 #include "tree/made_ahead.h"
+#include "tree/pages_ahead.h"
 #include "tree/parallel.h"
 #include "tree/prefetch.h"
 
@@ -53,7 +54,8 @@ void addTracks(TrackManager& manager, const TrackBatch& batch, LaterTracks& late
 void readTracks(TrackManager& manager, const char* path, LaterTracks& laterTracks) {
   constexpr std::size_t kFirstLines = 8192;
   constexpr std::size_t kBatchLines = 256;
-  constexpr std::size_t kBatches = 8;  // lines may be long
+  constexpr std::size_t kBatches = 8;     // lines may be long
+  constexpr std::size_t kMenuBytes = 24;  // of menus, which are built next, for a track; about
 
   LineReader reader(path);
   if (reportUnopened(reader, path)) return;
@@ -71,8 +73,10 @@ void readTracks(TrackManager& manager, const char* path, LaterTracks& laterTrack
   }
   if (reader.atEnd()) return;
   // As many of the lines will be tracks as of those so far.
-  const std::size_t tracks = trackCount() - tracksBefore;
-  manager.expectTracks(reader.expectedLines() * tracks / reader.lineNumber());
+  const std::size_t tracks =
+      reader.expectedLines() * (trackCount() - tracksBefore) / reader.lineNumber();
+  manager.expectTracks(tracks);
+  const PagesForLater forMenus(tracks * kMenuBytes);
   forEachMadeAhead<TrackBatch, kBatches>(
       [&](TrackBatch& batch) {
         if (reader.atEnd()) return false;

@@ -25,22 +25,32 @@ namespace {
 // A thread that makes pages until the process ends, and what it is to make them of.
 class PageMaker {
  public:
-  void add(std::byte* memory, std::size_t size) {
-    {
-      const std::lock_guard lock(mutex_);
-      if (!hasThread_) hasThread_ = startThread();
-      if (!hasThread_ || added_ - taken_ == pieces_.size()) return;
-      pieces_[added_++ % pieces_.size()] = {memory, size};
-    }
-    changed_.notify_one();
-  }
-
- private:
   struct Piece {
     std::byte* memory;
     std::size_t size;
   };
 
+  void add(Piece piece) {
+    {
+      const std::lock_guard lock(mutex_);
+      if (!hasThread_) hasThread_ = startThread();
+      if (!hasThread_ || added_ - taken_ == pieces_.size()) return;
+      pieces_[added_++ % pieces_.size()] = piece;
+    }
+    changed_.notify_one();
+  }
+
+  // What is to be done when there is nothing else, in place of what was.
+  void setForLater(Piece piece) {
+    {
+      const std::lock_guard lock(mutex_);
+      if (!hasThread_) hasThread_ = startThread();
+      forLater_ = piece;
+    }
+    changed_.notify_one();
+  }
+
+ private:
   // False where there is none to be had: then pages are made when they are touched.
   bool startThread() {
     if (usableProcessors() < 2) return false;
@@ -66,8 +76,13 @@ class PageMaker {
 
   Piece take() {
     std::unique_lock lock(mutex_);
-    changed_.wait(lock, [this] { return added_ != taken_; });
-    return pieces_[taken_++ % pieces_.size()];
+    changed_.wait(lock, [this] { return added_ != taken_ || forLater_.size > 0; });
+    if (added_ != taken_) return pieces_[taken_++ % pieces_.size()];
+    // A large page at a time: something may come that is needed sooner.
+    const Piece part = {forLater_.memory, std::min(forLater_.size, kHugePageSize)};
+    forLater_.memory += part.size;
+    forLater_.size -= part.size;
+    return part;
   }
 
   static void makePages(Piece piece) {
@@ -83,16 +98,37 @@ class PageMaker {
   std::array<Piece, 64> pieces_;  // what comes when it is full isn't worth waiting for
   std::size_t added_ = 0;
   std::size_t taken_ = 0;
+  Piece forLater_ = {nullptr, 0};
 };
+
+PageMaker& pageMaker() {
+  // Never destroyed: nobody joins the thread.
+  alignas(PageMaker) static std::array<std::byte, sizeof(PageMaker)> place;
+  static PageMaker& maker = *new (place.data()) PageMaker();
+  return maker;
+}
 
 }  // namespace
 
 void makePagesAhead(void* memory, std::size_t size) {
   if (size < kHugePageSize) return;
-  // Never destroyed: nobody joins the thread.
-  alignas(PageMaker) static std::array<std::byte, sizeof(PageMaker)> place;
-  static PageMaker& maker = *new (place.data()) PageMaker();
-  maker.add(static_cast<std::byte*>(memory), size);
+  pageMaker().add({static_cast<std::byte*>(memory), size});
+}
+
+PagesForLater::PagesForLater(std::size_t size) : size_(size) {
+  if (size < kHugePageSize) return;
+  try {
+    memory_ = allocateLarge(size);
+  } catch (const std::bad_alloc&) {
+    return;  // who needs it later may need less
+  }
+  pageMaker().setForLater({static_cast<std::byte*>(memory_), size});
+}
+
+PagesForLater::~PagesForLater() {
+  if (memory_ == nullptr) return;
+  pageMaker().setForLater({nullptr, 0});
+  freeLarge(memory_, size_);
 }
 
 }  // namespace Orvane

@@ -13,6 +13,21 @@ namespace Orvane {
 // `memory` is at a multiple of a page's size; of less than a large page none are made.
 void makePagesAhead(void* memory, std::size_t size);
 
+// Memory for whoever asks for some after this is destroyed. Until then its pages are made, whenever
+// there are none to be made that are needed sooner. Where there is no such memory, or less than a
+// large page is asked for, it does nothing; there is no point in having two at a time.
+class PagesForLater {
+ public:
+  explicit PagesForLater(std::size_t size);
+  PagesForLater(const PagesForLater&) = delete;
+  PagesForLater& operator=(const PagesForLater&) = delete;
+  ~PagesForLater();
+
+ private:
+  void* memory_ = nullptr;
+  std::size_t size_;
+};
+
 // A vector of so many elements, as T() makes them. Half of its pages, if they are many, are made
 // while the other half is filled.
 template <typename T>

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <fstream>
 #include <thread>
 #include <vector>
 
@@ -21,6 +22,14 @@ constexpr std::size_t kSize = 2 * kHugePageSize;
 
 std::size_t pageSize() {
   return static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+}
+
+// How many pages there are.
+std::size_t pagesIn(void* memory, std::size_t size) {
+  std::vector<unsigned char> pages(size / pageSize());
+  EXPECT_EQ(::mincore(memory, size, pages.data()), 0);
+  return static_cast<std::size_t>(
+      std::count_if(pages.begin(), pages.end(), [](unsigned char page) { return page & 1; }));
 }
 
 // Memory that has no pages yet.
@@ -37,13 +46,7 @@ class Pages {
 
   void* memory() const { return memory_; }
 
-  // How many there are.
-  std::size_t count() const {
-    std::vector<unsigned char> pages(kSize / pageSize());
-    EXPECT_EQ(::mincore(memory_, kSize, pages.data()), 0);
-    return static_cast<std::size_t>(
-        std::count_if(pages.begin(), pages.end(), [](unsigned char page) { return page & 1; }));
-  }
+  std::size_t count() const { return pagesIn(memory_, kSize); }
 
  private:
   void* memory_;
@@ -96,6 +99,47 @@ TEST(PagesAhead, MoreThanIsWaitedForIsForgotten) {
   const Pages pages(PROT_READ | PROT_WRITE);
   for (int i = 0; i < 1000; ++i) makePagesAhead(pages.memory(), kSize);
   waitForPages();
+}
+
+std::size_t residentPages() {
+  std::size_t all = 0;
+  std::size_t resident = 0;
+  std::ifstream("/proc/self/statm") >> all >> resident;
+  return resident;
+}
+
+TEST(PagesForLater, AreThereForWhoAsksNext) {
+  constexpr std::size_t kLarge = 16 * kHugePageSize;
+  const std::size_t all = allPages() == 0 ? 0 : kLarge / pageSize();
+  const std::size_t before = residentPages();
+  {
+    const PagesForLater pages(kLarge);
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    while (residentPages() < before + all && std::chrono::steady_clock::now() < end) {
+      std::this_thread::yield();
+    }
+  }
+  void* const memory = allocateLarge(kLarge);
+  EXPECT_EQ(pagesIn(memory, kLarge), all);
+  freeLarge(memory, kLarge);
+  giveBackSpareMemory();
+}
+
+TEST(PagesForLater, WaitForThoseThatAreNeededSooner) {
+  {
+    const PagesForLater pages(1024 * kHugePageSize);
+    waitForPages();
+  }
+  EXPECT_LT(residentPages(), 1024 * kHugePageSize / pageSize());
+  giveBackSpareMemory();
+}
+
+TEST(PagesForLater, DoNothingWithoutMemory) {
+  for (const std::size_t size :
+       {std::size_t{0}, kHugePageSize - 1, std::size_t{1} << 60, SIZE_MAX}) {
+    const PagesForLater pages(size);
+    waitForPages();
+  }
 }
 
 TEST(PagesAhead, LargeVectorIsFilled) {
