@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <iostream>
 #include <limits>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -55,7 +56,7 @@ void readTracks(TrackManager& manager, const char* path, LaterTracks& laterTrack
   constexpr std::size_t kFirstLines = 8192;
   constexpr std::size_t kBatchLines = 256;
   constexpr std::size_t kBatches = 8;     // lines may be long
-  constexpr std::size_t kMenuBytes = 24;  // of menus, which are built next, for a track; about
+  constexpr std::size_t kMenuBytes = 24;  // about what a track takes in menus, which come next
 
   LineReader reader(path);
   if (reportUnopened(reader, path)) return;
@@ -76,14 +77,21 @@ void readTracks(TrackManager& manager, const char* path, LaterTracks& laterTrack
   const std::size_t tracks =
       reader.expectedLines() * (trackCount() - tracksBefore) / reader.lineNumber();
   manager.expectTracks(tracks);
-  const PagesForLater forMenus(tracks * kMenuBytes);
+  std::optional<PagesForLater> forMenus;
   forEachMadeAhead<TrackBatch, kBatches>(
       [&](TrackBatch& batch) {
         if (reader.atEnd()) return false;
         batch.read(reader, path, kBatchLines, true);
         return true;
       },
-      [](TrackBatch&) {}, [&](const TrackBatch& batch) { addTracks(manager, batch, laterTracks); });
+      [](TrackBatch&) {},
+      [&](const TrackBatch& batch) {
+        addTracks(manager, batch, laterTracks);
+        // Not before some of the tracks expected have really come.
+        if (!forMenus && trackCount() - tracksBefore > tracks / 4) {
+          forMenus.emplace(tracks * kMenuBytes);
+        }
+      });
 }
 
 // The lines of a playlists file. Most are media ids: where the next ones lead is asked for in time.

@@ -1,35 +1,54 @@
 #include "inventory/media_id_index.h"
 
 #include <algorithm>
+#include <new>
 
 #include "tree/prefetch.h"
 
 namespace Orvane {
 
-// Where an id in range stands if the ids count up in even steps.
-std::size_t MediaIdIndex::likelyPlace(std::uint32_t id) const {
-  const std::uint64_t first = ids_[0];
-  return id == first ? 0 : (ids_.size() - 1) * (id - first) / (lastId_ - first);
+namespace {
+
+// The list is searched for one of the parts that stand together in memory, then in that one.
+constexpr std::size_t kPart = 512;
+
+// Where `id` stands in the range if its values are about even.
+template <typename Range>
+std::size_t likelyPlace(const Range& range, std::uint32_t id) {
+  return range.begin + (range.end - range.begin) * (id - range.low) / (range.high - range.low);
 }
 
-// Where an id in range stands, or else the next one above it.
-std::size_t MediaIdIndex::placeInList(std::uint32_t id) const {
+// The last place in the range whose value isn't above `id`, as the first one's isn't.
+template <typename Range, typename ValueAt>
+std::size_t lastNotAbove(const Range& range, std::uint32_t id, ValueAt valueAt) {
   // From the likely place on in steps that double, until the id is passed.
-  std::size_t begin = likelyPlace(id);
-  std::size_t end = begin;
-  for (std::size_t step = 1; ids_[begin] > id; step *= 2) begin -= std::min(step, begin);
-  for (std::size_t step = 1; ids_[end] < id; step *= 2) {
-    end += std::min(step, ids_.size() - 1 - end);
+  std::size_t place = likelyPlace(range, id);
+  for (std::size_t step = 1; valueAt(place) > id; step *= 2) {
+    place -= std::min(step, place - range.begin);
   }
-  while (begin < end) {
-    const std::size_t middle = begin + (end - begin) / 2;
-    if (ids_[middle] < id) {
-      begin = middle + 1;
-    } else {
-      end = middle;
-    }
+  std::size_t above = place + 1;
+  for (std::size_t step = 1; above < range.end && valueAt(above) <= id; step *= 2) {
+    place = above;
+    above += std::min(step, range.end - above);
   }
-  return begin;
+  while (above - place > 1) {
+    const std::size_t middle = place + (above - place) / 2;
+    (valueAt(middle) > id ? above : place) = middle;
+  }
+  return place;
+}
+
+}  // namespace
+
+// The part of the list where an id in range is, if it is in there.
+MediaIdIndex::Range MediaIdIndex::partOf(std::uint32_t id) const {
+  const std::size_t count = (ids_.size() + kPart - 1) / kPart;
+  const std::uint64_t end = std::uint64_t{lastId_} + 1;
+  const std::size_t part = lastNotAbove(Range{0, count, ids_[0], end}, id,
+                                        [this](std::size_t i) { return ids_[i * kPart]; });
+  const std::size_t begin = part * kPart;
+  if (part + 1 == count) return {begin, ids_.size(), ids_[begin], end};
+  return {begin, begin + kPart, ids_[begin], ids_[begin + kPart]};
 }
 
 std::uint32_t MediaIdIndex::find(std::uint32_t id) const {
@@ -38,7 +57,7 @@ std::uint32_t MediaIdIndex::find(std::uint32_t id) const {
     return number == nullptr ? kNoNumber : *number;
   }
   if (!isInRange(id)) return kNoNumber;
-  const std::size_t place = placeInList(id);
+  const std::size_t place = lastNotAbove(partOf(id), id, [this](std::size_t i) { return ids_[i]; });
   return ids_[place] == id ? firstNumber_ + static_cast<std::uint32_t>(place) : kNoNumber;
 }
 
@@ -72,18 +91,33 @@ void MediaIdIndex::clear() {
   isList_ = true;
   ids_.clear();
   numbers_.clear();
+  expected_ = 0;
+}
+
+void MediaIdIndex::expectCount(std::size_t ids) {
+  expected_ = ids;
+  if (!isList_) makeRoom();
+}
+
+void MediaIdIndex::makeRoom() {
+  try {
+    numbers_.reserve(expected_);
+  } catch (const std::bad_alloc&) {
+    // What really comes may well fit.
+  }
 }
 
 void MediaIdIndex::expect(std::uint32_t id) const {
   if (!isList_) {
     numbers_.expect(id);
   } else if (isInRange(id)) {
-    prefetch(&ids_[likelyPlace(id)]);
+    prefetch(&ids_[likelyPlace(partOf(id), id)]);
   }
 }
 
 void MediaIdIndex::leaveList() {
   if (!isList_) return;
+  makeRoom();
   numbers_.reserve(ids_.size());
   forEachPrefetched(
       ids_.size(),

@@ -12,10 +12,12 @@ namespace Orvane {
 //
 // In most lists the media ids count up, in whatever steps. As long as each id entered is above all
 // before it, and its number the next one, the ids are kept as they come, 4 bytes each: a sorted
-// list, in which one is found where even steps would have it or not far from there. With anything
-// else they are put into a hash table, and stay there until clear().
+// list, to search which takes up to log n steps, but one or two where the ids' steps are about
+// even. With anything else, or when one is taken out, all are put into a hash table, and stay there
+// until clear().
 //
-// When memory runs out it throws std::bad_alloc, and holds what it held before.
+// When memory runs out, which may be in whatever changes it but clear(), it throws std::bad_alloc,
+// and holds what it held before.
 class MediaIdIndex {
  public:
   // The number under `id`, 0 if there is none.
@@ -41,10 +43,9 @@ class MediaIdIndex {
 
   void clear();
 
-  // Makes room for so many ids in the table, if there is one: the list needs none.
-  void reserve(std::size_t ids) {
-    if (!isList_) numbers_.reserve(ids);
-  }
+  // Says that there will be about so many ids. Where they need a table, it gets room for them, if
+  // there is memory: to grow in steps would move each several times.
+  void expectCount(std::size_t ids);
 
   // Asks for the place of `id`, which will soon be looked for or entered.
   void expect(std::uint32_t id) const;
@@ -52,18 +53,27 @@ class MediaIdIndex {
  private:
   static constexpr std::uint32_t kNoNumber = 0;
 
+  // Places in the list from `begin` on and below `end`; the values from `low` on and below `high`.
+  struct Range {
+    std::size_t begin;
+    std::size_t end;
+    std::uint64_t low;
+    std::uint64_t high;
+  };
+
   bool isInRange(std::uint32_t id) const {
     return ids_.size() > 0 && id >= ids_[0] && id <= lastId_;
   }
-  std::size_t likelyPlace(std::uint32_t id) const;
-  std::size_t placeInList(std::uint32_t id) const;
+  Range partOf(std::uint32_t id) const;
   std::uint32_t enterOther(std::uint32_t id, std::uint32_t number);
   void leaveList();
+  void makeRoom();
 
   bool isList_ = true;
   ChunkedList<std::uint32_t> ids_;            // as long as isList_
   std::uint32_t lastId_ = 0;                  // of those
   std::uint32_t firstNumber_ = 0;             // under the first of them
+  std::size_t expected_ = 0;                  // how many ids
   IdMap<std::uint32_t, 0xFFFFFFFF> numbers_;  // otherwise; kNoNumber in empty entries
 };
 

@@ -1,7 +1,6 @@
 #include "inventory/track_index.h"
 
 #include <algorithm>
-#include <new>
 #include <numeric>
 
 namespace Orvane {
@@ -26,15 +25,6 @@ bool TrackIndex::add(Track& track) {
   return true;
 }
 
-// Growing in steps would touch memory that is given up again, and move each id twice.
-void TrackIndex::expect(std::size_t count) {
-  try {
-    numbersById_.reserve(tracksByNumber_.size() + count);
-  } catch (const std::bad_alloc&) {
-    // What really comes may well fit.
-  }
-}
-
 void TrackIndex::expect(const TrackIds& track, int step) const {
   if (step == 0) numbersById_.expect(track.media);
   artists_.expect(track.artist, step);
@@ -47,7 +37,9 @@ void TrackIndex::expectLookups(std::span<const std::uint32_t> mediaIds) const {
 }
 
 void TrackIndex::remove(std::uint32_t mediaId) {
-  if (const Number found = numbersById_.find(mediaId)) {
+  const Number found = numbersById_.find(mediaId);
+  numbersById_.erase(mediaId);
+  if (found != 0) {
     for (CategoryIndex* category : {&genres_, &artists_, &albums_, &ratings_}) {
       category->eraseTracks({&found, 1});
     }
@@ -60,7 +52,6 @@ void TrackIndex::remove(std::uint32_t mediaId) {
   static_cast<void>(std::remove_if(ownList_.begin(), ownList_.end(), [=, this](Number number) {
     return tracksByNumber_[number]->getMediaId() == mediaId;
   }));
-  numbersById_.erase(mediaId);
 }
 
 void TrackIndex::removeCategory(CategoryIndex& category, std::uint32_t id) {

@@ -32,9 +32,8 @@ class TrackIndex {
   // its album and all that this refers to must outlive the index.
   bool add(Track& track);
 
-  // Says that about so many tracks will be added. If their ids need room, it is made, and touched,
-  // if there is memory.
-  void expect(std::size_t count);
+  // Says that about so many tracks will be added: see MediaIdIndex::expectCount.
+  void expect(std::size_t count) { numbersById_.expectCount(tracksByNumber_.size() + count); }
 
   // Asks, in three steps from 0 on, each in time for the next, for what adding a track with these
   // ids looks at: that is all over the memory.

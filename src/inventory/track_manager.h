@@ -44,8 +44,8 @@ class TrackManager {
 
   virtual Playlist* addPlaylist(std::string_view name, std::uint32_t playlistId);
 
-  // Says that about so many tracks will be added. Unless all media ids so far count up, room for
-  // further ones is made, if there is memory: 11 to 21 bytes each.
+  // Says that about so many tracks will be added. Unless all media ids count up, there will be room
+  // for theirs, if there is memory: 11 to 21 bytes each.
   void expectTracks(std::size_t count) { index_->expect(count); }
 
   // Asks, in three steps from 0 on, each in time for the next, for what adding a track with these

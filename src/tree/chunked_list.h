@@ -51,8 +51,9 @@ class ChunkedList {
   using Chunk = std::array<T, kChunkSize>;
 
   void addChunk() {
-    chunks_.push_back(nullptr);
-    chunks_.back() = static_cast<Chunk*>(memory_.allocate(sizeof(Chunk), alignof(Chunk)));
+    // First the chunk: where there is no room for its address it stays unused.
+    auto* const chunk = static_cast<Chunk*>(memory_.allocate(sizeof(Chunk), alignof(Chunk)));
+    chunks_.push_back(chunk);
   }
 
   Arena memory_;

@@ -16,11 +16,11 @@ enum class Ties {
   kInAnyOrder,   // which takes less time where they are many
 };
 
-// Sorts by keys that are numbers, to the order that std::sort of the GNU library gives, also among
-// elements of equal keys: there is no other reason for theirs in existing inventories. So each
-// decision here is one of that introsort, and must stay so; but they are taken without branches
-// that depend on a comparison, of which the processor foresees only every second: half the time.
-// What that library does with keys that hardly part is left to it.
+// Sorts by keys that are numbers. Existing inventories have equal names in the order that std::sort
+// of the GNU library gave them, so with kAsByStdSort each decision here is one of that introsort,
+// and must stay so; but they are taken without branches that depend on a comparison, of which the
+// processor foresees only every second: half the time. What that library does with keys that hardly
+// part is left to it.
 //
 // Elements are copied, and made before they are given a value.
 template <Ties kTies, typename Element, typename KeyOf>
@@ -63,7 +63,9 @@ class KeySorter {
         });
         return;
       }
-      if (kTies == Ties::kInAnyOrder && haveOneKey(first, last)) return;
+      if constexpr (kTies == Ties::kInAnyOrder) {
+        if (haveOneKey(first, last)) return;
+      }
       std::swap(*first, *medianOf(first + 1, first + (last - first) / 2, last - 1));
       Element* const cut = partition(first + 1, last, keyOf_(*first));
       sort(cut, last, levelsLeft - 1);
@@ -75,7 +77,7 @@ class KeySorter {
   bool haveOneKey(const Element* first, const Element* last) const {
     const auto key = keyOf_(*first);
     const auto hasKey = [&](const Element& element) { return keyOf_(element) == key; };
-    // Most have several, of which one shows here.
+    // Where there are several, one of these two mostly differs: then the others need no look.
     return hasKey(first[(last - first) / 2]) && hasKey(last[-1]) &&
            std::all_of(first, last, hasKey);
   }

@@ -40,14 +40,16 @@ class PageMaker {
     changed_.notify_one();
   }
 
-  // What is to be done when there is nothing else, in place of what was.
-  void setForLater(Piece piece) {
+  // What is to be done when there is nothing else, in place of what was. False where nobody will.
+  bool setForLater(Piece piece) {
     {
       const std::lock_guard lock(mutex_);
       if (!hasThread_) hasThread_ = startThread();
+      if (!hasThread_) return false;
       forLater_ = piece;
     }
     changed_.notify_one();
+    return true;
   }
 
  private:
@@ -122,12 +124,14 @@ PagesForLater::PagesForLater(std::size_t size) : size_(size) {
   } catch (const std::bad_alloc&) {
     return;  // who needs it later may need less
   }
-  pageMaker().setForLater({static_cast<std::byte*>(memory_), size});
+  if (pageMaker().setForLater({static_cast<std::byte*>(memory_), size})) return;
+  freeLarge(memory_, size);
+  memory_ = nullptr;
 }
 
 PagesForLater::~PagesForLater() {
   if (memory_ == nullptr) return;
-  pageMaker().setForLater({nullptr, 0});
+  static_cast<void>(pageMaker().setForLater({nullptr, 0}));
   freeLarge(memory_, size_);
 }
 

@@ -13,9 +13,11 @@ namespace Orvane {
 // `memory` is at a multiple of a page's size; of less than a large page none are made.
 void makePagesAhead(void* memory, std::size_t size);
 
-// Memory for whoever asks for some after this is destroyed. Until then its pages are made, whenever
-// there are none to be made that are needed sooner. Where there is no such memory, or less than a
-// large page is asked for, it does nothing; there is no point in having two at a time.
+// Memory for whoever asks for large pieces after this is destroyed, with or without its pages:
+// while it lives they are made in the background, whenever none are to be made that are needed
+// sooner. Where there is no processor to spare, or no memory, or less than a large page is asked
+// for, it does nothing. To destroy it never waits. The newest of several takes the place of the
+// others, and with any of them that ends.
 class PagesForLater {
  public:
   explicit PagesForLater(std::size_t size);

@@ -10,6 +10,7 @@
 #include "inventory/category_entries.h"
 #include "inventory/category_index.h"
 #include "inventory/line_reader.h"
+#include "inventory/media_id_index.h"
 #include "inventory/track_batch.h"
 #include "inventory/track_index.h"
 #include "test_support.h"
@@ -55,6 +56,29 @@ TEST(InventoryMemory, TheListOfTracksIsNoOtherOneUntilOneIsWithdrawn) {
   index.add(first);
   const LimitedAllocations none(0);
   EXPECT_TRUE(index.add(second));
+}
+
+// Whichever allocation fails, also of those by which it becomes a table.
+TEST(InventoryMemory, MediaIdsStayAsTheyWereWithoutMemory) {
+  for (const std::uint32_t count : {0U, 1U, 511U, 512U, 5000U}) {
+    for (const std::uint32_t next : {2 * count + 2, 1U}) {
+      for (std::ptrdiff_t allowed = 0; allowed < 6; ++allowed) {
+        MediaIdIndex index;
+        for (std::uint32_t i = 1; i <= count; ++i) index.enter(2 * i, i);
+        index.expectCount(3 * count);
+        try {
+          const LimitedAllocations few(allowed);
+          index.enter(next, count + 1);
+        } catch (const std::bad_alloc&) {
+          EXPECT_FALSE(index.hasEntry(next));
+        }
+        EXPECT_EQ(index.enter(next, count + 1), count + 1);
+        EXPECT_EQ(index.enter(2 * count + 4, count + 2), count + 2);
+        for (std::uint32_t i = 1; i <= count; ++i) ASSERT_EQ(index.find(2 * i), i) << count;
+        EXPECT_EQ(index.find(next), count + 1);
+      }
+    }
+  }
 }
 
 TEST(InventoryMemory, AFileOfShortLinesIsReadInOneBlock) {

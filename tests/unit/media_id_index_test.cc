@@ -67,6 +67,25 @@ TEST(MediaIdIndex, FindsIdsThatCountUp) {
   }
 }
 
+// More than are searched together.
+TEST(MediaIdIndex, FindsManyIdsThatCountUp) {
+  for (std::uint32_t kind = 0; kind < 3; ++kind) {
+    SCOPED_TRACE(kind);
+    std::mt19937 random(kind);
+    MediaIdIndex index;
+    Plain plain;
+    std::uint32_t id = 10;
+    for (std::uint32_t i = 1; i <= 5000; ++i) {
+      id += kind < 2 || i % 20 == 0 ? stepOf(kind, i, random) : 2;
+      ASSERT_NO_FATAL_FAILURE(enterBoth(index, plain, id, i));
+      if (i % 512 < 2) {
+        ASSERT_NO_FATAL_FAILURE(expectSame(index, plain));
+      }
+    }
+    ASSERT_NO_FATAL_FAILURE(expectSame(index, plain));
+  }
+}
+
 TEST(MediaIdIndex, DoesWhatAMapDoes) {
   for (std::uint32_t seed = 0; seed < 300; ++seed) {
     SCOPED_TRACE(seed);
@@ -91,7 +110,7 @@ TEST(MediaIdIndex, DoesWhatAMapDoes) {
         index.enterEmpty(any);
         plain.try_emplace(any, 0);
       } else if (action < 98) {
-        index.reserve(200);
+        index.expectCount(200);
       } else if (action < 99) {
         ++number;  // a number that no id has
       } else {

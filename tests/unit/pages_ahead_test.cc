@@ -108,33 +108,51 @@ std::size_t residentPages() {
   return resident;
 }
 
-TEST(PagesForLater, AreThereForWhoAsksNext) {
+// What others have left would do instead.
+class PagesForLaterTest : public ::testing::Test {
+ protected:
+  PagesForLaterTest() { giveBackSpareMemory(); }
+  ~PagesForLaterTest() override { giveBackSpareMemory(); }
+};
+
+TEST_F(PagesForLaterTest, AreThereForWhoAsksNext) {
   constexpr std::size_t kLarge = 16 * kHugePageSize;
   const std::size_t all = allPages() == 0 ? 0 : kLarge / pageSize();
   const std::size_t before = residentPages();
+  const auto areMade = [&] { return residentPages() >= before + all; };
   {
     const PagesForLater pages(kLarge);
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-    while (residentPages() < before + all && std::chrono::steady_clock::now() < end) {
-      std::this_thread::yield();
-    }
+    while (!areMade() && std::chrono::steady_clock::now() < end) std::this_thread::yield();
+    EXPECT_TRUE(areMade());
   }
   void* const memory = allocateLarge(kLarge);
-  EXPECT_EQ(pagesIn(memory, kLarge), all);
+  EXPECT_GE(pagesIn(memory, kLarge), all - all / 8) << "the process may have grown by others, too";
   freeLarge(memory, kLarge);
-  giveBackSpareMemory();
 }
 
-TEST(PagesForLater, WaitForThoseThatAreNeededSooner) {
+TEST_F(PagesForLaterTest, WaitForThoseThatAreNeededSooner) {
+  constexpr std::size_t kMuch = 1024 * kHugePageSize;
   {
-    const PagesForLater pages(1024 * kHugePageSize);
+    const PagesForLater pages(kMuch);
     waitForPages();
   }
-  EXPECT_LT(residentPages(), 1024 * kHugePageSize / pageSize());
-  giveBackSpareMemory();
+  EXPECT_LT(residentPages(), kMuch / pageSize());
 }
 
-TEST(PagesForLater, DoNothingWithoutMemory) {
+// Those under way are still made, but no others.
+TEST_F(PagesForLaterTest, AreNotMadeAnyMoreWhenDestroyed) {
+  constexpr std::size_t kMuch = 4096 * kHugePageSize;
+  { const PagesForLater pages(kMuch); }
+  void* const memory = allocateLarge(kMuch);
+  waitForPages();
+  const std::size_t made = pagesIn(memory, kMuch);
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  EXPECT_EQ(pagesIn(memory, kMuch), made);
+  freeLarge(memory, kMuch);
+}
+
+TEST_F(PagesForLaterTest, DoNothingWithoutMemory) {
   for (const std::size_t size :
        {std::size_t{0}, kHugePageSize - 1, std::size_t{1} << 60, SIZE_MAX}) {
     const PagesForLater pages(size);
