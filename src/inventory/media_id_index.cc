@@ -7,20 +7,14 @@
 
 namespace Orvane {
 
-namespace {
-
-// The list is searched for one of the parts that stand together in memory, then in that one.
-constexpr std::size_t kPart = 512;
-
 // Where `id` stands in the range if its values are about even.
-template <typename Range>
-std::size_t likelyPlace(const Range& range, std::uint32_t id) {
+std::size_t MediaIdIndex::likelyPlace(const Range& range, std::uint32_t id) {
   return range.begin + (range.end - range.begin) * (id - range.low) / (range.high - range.low);
 }
 
 // The last place in the range whose value isn't above `id`, as the first one's isn't.
-template <typename Range, typename ValueAt>
-std::size_t lastNotAbove(const Range& range, std::uint32_t id, ValueAt valueAt) {
+template <typename ValueAt>
+std::size_t MediaIdIndex::lastNotAbove(const Range& range, std::uint32_t id, ValueAt valueAt) {
   // From the likely place on in steps that double, until the id is passed.
   std::size_t place = likelyPlace(range, id);
   for (std::size_t step = 1; valueAt(place) > id; step *= 2) {
@@ -38,17 +32,17 @@ std::size_t lastNotAbove(const Range& range, std::uint32_t id, ValueAt valueAt) 
   return place;
 }
 
-}  // namespace
-
-// The part of the list where an id in range is, if it is in there.
-MediaIdIndex::Range MediaIdIndex::partOf(std::uint32_t id) const {
-  const std::size_t count = (ids_.size() + kPart - 1) / kPart;
+// The chunk of the list where an id in range is, if it is in there: the list is searched for that
+// first, then what stands together in memory.
+MediaIdIndex::Range MediaIdIndex::chunkOf(std::uint32_t id) const {
+  constexpr std::size_t kSize = List::kChunkSize;
+  const std::size_t count = (ids_.size() + kSize - 1) / kSize;
   const std::uint64_t end = std::uint64_t{lastId_} + 1;
-  const std::size_t part = lastNotAbove(Range{0, count, ids_[0], end}, id,
-                                        [this](std::size_t i) { return ids_[i * kPart]; });
-  const std::size_t begin = part * kPart;
-  if (part + 1 == count) return {begin, ids_.size(), ids_[begin], end};
-  return {begin, begin + kPart, ids_[begin], ids_[begin + kPart]};
+  const std::size_t chunk = lastNotAbove(Range{0, count, ids_[0], end}, id,
+                                         [this](std::size_t i) { return ids_[i * kSize]; });
+  const std::size_t begin = chunk * kSize;
+  if (chunk + 1 == count) return {begin, ids_.size(), ids_[begin], end};
+  return {begin, begin + kSize, ids_[begin], ids_[begin + kSize]};
 }
 
 std::uint32_t MediaIdIndex::find(std::uint32_t id) const {
@@ -57,7 +51,8 @@ std::uint32_t MediaIdIndex::find(std::uint32_t id) const {
     return number == nullptr ? kNoNumber : *number;
   }
   if (!isInRange(id)) return kNoNumber;
-  const std::size_t place = lastNotAbove(partOf(id), id, [this](std::size_t i) { return ids_[i]; });
+  const std::size_t place =
+      lastNotAbove(chunkOf(id), id, [this](std::size_t i) { return ids_[i]; });
   return ids_[place] == id ? firstNumber_ + static_cast<std::uint32_t>(place) : kNoNumber;
 }
 
@@ -111,7 +106,7 @@ void MediaIdIndex::expect(std::uint32_t id) const {
   if (!isList_) {
     numbers_.expect(id);
   } else if (isInRange(id)) {
-    prefetch(&ids_[likelyPlace(partOf(id), id)]);
+    prefetch(&ids_[likelyPlace(chunkOf(id), id)]);
   }
 }
 

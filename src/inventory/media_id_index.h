@@ -12,12 +12,12 @@ namespace Orvane {
 //
 // In most lists the media ids count up, in whatever steps. As long as each id entered is above all
 // before it, and its number the next one, the ids are kept as they come, 4 bytes each: a sorted
-// list, to search which takes up to log n steps, but one or two where the ids' steps are about
-// even. With anything else, or when one is taken out, all are put into a hash table, and stay there
-// until clear().
+// list, in which one is found at a step or two where the ids' own steps are about even, and in up
+// to log n steps otherwise. With anything else, or when one is taken out, all are put into a hash
+// table, and stay there until clear().
 //
-// When memory runs out, which may be in whatever changes it but clear(), it throws std::bad_alloc,
-// and holds what it held before.
+// Entering and erasing throw std::bad_alloc when memory runs out; it then holds what it held
+// before.
 class MediaIdIndex {
  public:
   // The number under `id`, 0 if there is none.
@@ -61,16 +61,21 @@ class MediaIdIndex {
     std::uint64_t high;
   };
 
+  using List = ChunkedList<std::uint32_t>;
+
   bool isInRange(std::uint32_t id) const {
     return ids_.size() > 0 && id >= ids_[0] && id <= lastId_;
   }
-  Range partOf(std::uint32_t id) const;
+  static std::size_t likelyPlace(const Range& range, std::uint32_t id);
+  template <typename ValueAt>
+  static std::size_t lastNotAbove(const Range& range, std::uint32_t id, ValueAt valueAt);
+  Range chunkOf(std::uint32_t id) const;
   std::uint32_t enterOther(std::uint32_t id, std::uint32_t number);
   void leaveList();
   void makeRoom();
 
   bool isList_ = true;
-  ChunkedList<std::uint32_t> ids_;            // as long as isList_
+  List ids_;                                  // as long as isList_
   std::uint32_t lastId_ = 0;                  // of those
   std::uint32_t firstNumber_ = 0;             // under the first of them
   std::size_t expected_ = 0;                  // how many ids

@@ -38,7 +38,7 @@ void TrackIndex::expectLookups(std::span<const std::uint32_t> mediaIds) const {
 
 void TrackIndex::remove(std::uint32_t mediaId) {
   const Number found = numbersById_.find(mediaId);
-  numbersById_.erase(mediaId);
+  numbersById_.erase(mediaId);  // first, as it may need memory
   if (found != 0) {
     for (CategoryIndex* category : {&genres_, &artists_, &albums_, &ratings_}) {
       category->eraseTracks({&found, 1});

@@ -16,6 +16,9 @@ class ChunkedList {
   static_assert(std::is_trivial_v<T>);
 
  public:
+  // So many values stand together in memory.
+  static constexpr std::size_t kChunkSize = 2048 / sizeof(T);
+
   void push_back(const T& value) {
     const std::size_t place = size_ % kChunkSize;
     if (place == 0) addChunk();
@@ -47,7 +50,6 @@ class ChunkedList {
   }
 
  private:
-  static constexpr std::size_t kChunkSize = 2048 / sizeof(T);
   using Chunk = std::array<T, kChunkSize>;
 
   void addChunk() {

@@ -33,8 +33,7 @@ class PageMaker {
   void add(Piece piece) {
     {
       const std::lock_guard lock(mutex_);
-      if (!hasThread_) hasThread_ = startThread();
-      if (!hasThread_ || added_ - taken_ == pieces_.size()) return;
+      if (!haveThread() || added_ - taken_ == pieces_.size()) return;
       pieces_[added_++ % pieces_.size()] = piece;
     }
     changed_.notify_one();
@@ -44,8 +43,7 @@ class PageMaker {
   bool setForLater(Piece piece) {
     {
       const std::lock_guard lock(mutex_);
-      if (!hasThread_) hasThread_ = startThread();
-      if (!hasThread_) return false;
+      if (!haveThread()) return false;
       forLater_ = piece;
     }
     changed_.notify_one();
@@ -54,6 +52,11 @@ class PageMaker {
 
  private:
   // False where there is none to be had: then pages are made when they are touched.
+  bool haveThread() {
+    hasThread_ = hasThread_ || startThread();
+    return hasThread_;
+  }
+
   bool startThread() {
     if (usableProcessors() < 2) return false;
     try {

@@ -303,8 +303,7 @@ TEST(TrackManager, ExpectingMoreThanThereIsMemoryForDoesNoHarm) {
     manager.addTrack("title", mediaId, "artist", 2, "album", 3, "genre", 4, 0);
     manager.expectTracks(std::size_t{1} << 45);
   }
-  for (const std::uint32_t mediaId : {1U, 2U, 3U})
-    EXPECT_TRUE(manager.hasTrack(mediaId)) << mediaId;
+  for (const std::uint32_t id : {1U, 2U, 3U}) EXPECT_TRUE(manager.hasTrack(id)) << id;
 }
 
 }  // namespace
