@@ -23,6 +23,13 @@ bool Buffer::close() {
   return true;
 }
 
+bool Buffer::writeEach(const char* data, int length, std::size_t count) {
+  for (; count > 0; --count, data += length) {
+    if (!write(data, length)) return false;
+  }
+  return true;
+}
+
 bool Buffer::openRawRead() {
   return enter(kRawRead);
 }

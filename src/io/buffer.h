@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace Orvane {
@@ -41,6 +42,10 @@ class Buffer {
 
   // Raw writing: puts out the first `length` bytes of the block.
   virtual bool commitBlock(int length) = 0;
+
+  // Writes `count` pieces of `length` bytes each, which stand one right behind the other, as that
+  // many calls of write() do; false from the first on that gives false.
+  virtual bool writeEach(const char* data, int length, std::size_t count);
 
  protected:
   static constexpr std::uint32_t kClosed = 0;

@@ -71,8 +71,16 @@ bool DiskBuffer::close() {
 }
 
 bool DiskBuffer::write(const char* data, int length) {
+  return put(data, length);
+}
+
+bool DiskBuffer::writeEach(const char* data, int length, std::size_t count) {
+  return count == 0 || put(data, length * static_cast<std::streamsize>(count));
+}
+
+bool DiskBuffer::put(const char* data, std::streamsize size) {
   try {
-    if (!stream_.good() || !stream_.put(data, length)) stream_.setstate(std::ios_base::badbit);
+    if (!stream_.good() || !stream_.put(data, size)) stream_.setstate(std::ios_base::badbit);
   } catch (...) {
     std::terminate();
   }

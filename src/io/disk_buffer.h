@@ -41,6 +41,9 @@ class DiskBuffer : public Buffer {
   bool write(const char* data, int length) override;
   bool read(char* data, int length) override;
 
+  // Takes all at once: the same bytes reach the file in the same pieces.
+  bool writeEach(const char* data, int length, std::size_t count) override;
+
   // Any other `whence` counts from the beginning. -1 also when the buffer isn't open as a stream.
   long seek(long offset, int whence) override;
 
@@ -51,6 +54,7 @@ class DiskBuffer : public Buffer {
 
  private:
   bool openStream(std::ios_base::openmode direction);
+  bool put(const char* data, std::streamsize size);
   bool openDescriptor(int flags);
   void closeDescriptor();
 

@@ -9,9 +9,9 @@
 
 namespace Orvane {
 
-// A std::fstream that lets small pieces be put straight into its buffer: a million tracks' records
-// go through it one by one. What put() takes reaches the file in whole buffers, but for the last,
-// and of a large file the disk gets it while it is written (see WriteBehind).
+// A std::fstream that lets pieces be put straight into its buffer, however small they are. What
+// put() takes reaches the file in whole buffers, but for the last, and of a large file the disk
+// gets it while it is written (see WriteBehind).
 class FileStream : public std::iostream {
  public:
   FileStream() : std::iostream(nullptr) { rdbuf(&file_); }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 #include "output/linked_table.h"
@@ -19,23 +20,26 @@ class LinkedTableReader {
         run_(table.runs_.begin()),
         linked_(table.linked_.begin()) {}
 
-  // Replaces `records` by the next ones, at most `most`; by none at the end. `ofTrack` gives the
-  // record of a leaf that is a track's number.
-  template <typename OfTrack>
-  void read(std::vector<Record>& records, std::size_t most, OfTrack ofTrack) {
+  // Replaces `records` by what `form` makes of the next ones, at most `most`; by none at the end.
+  // `ofTrack` gives the record of a leaf that is a track's number.
+  template <typename Form, typename OfTrack, typename MakeForm = std::identity>
+  void read(std::vector<Form>& records, std::size_t most, OfTrack ofTrack, MakeForm form = {}) {
     const std::uint32_t end = endOf(most);
     records.resize(end - at_);
     auto record = records.begin();
     while (at_ < end) {
       if (linked_ != table_->linked_.end() && linked_->position == at_) {
-        *record++ = linked_++->record;
+        *record++ = form(linked_++->record);
         ++at_;
       } else if (run_ != table_->runs_.end() && run_->begin <= at_) {
         const std::uint32_t runEnd = std::min(run_->end, end);
-        while (at_ < runEnd) *record++ = ofTrack(run_->tracks[at_++ - run_->begin]);
+        record = std::transform(run_->tracks + (at_ - run_->begin),
+                                run_->tracks + (runEnd - run_->begin), record,
+                                [&](std::uint32_t track) { return form(ofTrack(track)); });
+        at_ = runEnd;
         if (at_ == run_->end) ++run_;
       } else {
-        *record++ = Record::ofLeaf(*leaf_++);
+        *record++ = form(Record::ofLeaf(*leaf_++));
         ++at_;
       }
     }

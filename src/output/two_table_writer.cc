@@ -25,7 +25,7 @@ void putTreeTable(const TreeTable& treeTable, const DataRecordIndex& idMap, Reco
   constexpr std::size_t kRecordsAtATime = 4096;
   struct Block {
     std::optional<LinkedTableReader<TreeRecord>> from;
-    std::vector<TreeRecord> records;
+    std::vector<TreeRecord::Bytes> records;
   };
   LinkedTableReader<TreeRecord> reader(treeTable);
   sink.putBlocks<Block>(
@@ -35,11 +35,11 @@ void putTreeTable(const TreeTable& treeTable, const DataRecordIndex& idMap, Reco
         return reader.skip(kRecordsAtATime);
       },
       [&](Block& block) {
-        block.from->read(block.records, kRecordsAtATime, [&](std::uint32_t track) {
-          return TreeRecord::ofLeaf(idMap.records[track]);
-        });
-      },
-      [](const TreeRecord& record) { return record.encode(); });
+        block.from->read(
+            block.records, kRecordsAtATime,
+            [&](std::uint32_t track) { return TreeRecord::ofLeaf(idMap.records[track]); },
+            [](const TreeRecord& record) { return record.encode(); });
+      });
 }
 
 // What the records are filled from is all over the memory.

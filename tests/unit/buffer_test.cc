@@ -3,9 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <string>
 #include <type_traits>
+#include <vector>
 
 #include "io/disk_buffer.h"
+#include "recording_buffer.h"
 
 namespace Orvane {
 namespace {
@@ -54,6 +57,26 @@ TEST(Buffer, OnlyAClosedOneOpens) {
       EXPECT_EQ(buffer.currentMode(), mode);
     }
   }
+}
+
+TEST(Buffer, SeveralPiecesAreWrittenOneByOne) {
+  test::RecordingBuffer buffer;
+  EXPECT_TRUE(buffer.writeEach("onetwosix", 3, 3));
+  EXPECT_EQ(buffer.content, "onetwosix");
+  EXPECT_EQ(buffer.calls, (std::vector<std::string>{"write 3", "write 3", "write 3"}));
+  EXPECT_TRUE(buffer.writeEach("onetwosix", 3, 0));
+  EXPECT_EQ(buffer.calls.size(), 3U);
+}
+
+TEST(Buffer, NothingIsWrittenBehindAPieceThatIsRefused) {
+  class Full : public BareBuffer {
+   public:
+    bool write(const char* /*data*/, int /*length*/) override { return ++writes_ < 2; }
+    int writes_ = 0;
+  };
+  Full buffer;
+  EXPECT_FALSE(buffer.writeEach("onetwosix", 3, 3));
+  EXPECT_EQ(buffer.writes_, 2);
 }
 
 TEST(Buffer, IsDeletedThroughTheBase) {

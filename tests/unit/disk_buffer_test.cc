@@ -112,6 +112,36 @@ TEST_F(DiskBufferStream, BytesPassUnchanged) {
   EXPECT_EQ(test::readFile(path_), all + "\r\n\n");
 }
 
+// Into the same place as pieces that are written one by one, also where the stream's buffer ends.
+TEST_F(DiskBufferStream, SeveralPiecesAtOnceAreWrittenWhole) {
+  std::string pieces;
+  for (int i = 0; pieces.size() < (1 << 22); ++i) pieces += std::to_string(1000000 + i);
+  DiskBuffer buffer(path_);
+  EXPECT_TRUE(buffer.openForWrite());
+  put(buffer, "before");
+  EXPECT_TRUE(buffer.writeEach(pieces.data(), 7, pieces.size() / 7));
+  EXPECT_TRUE(buffer.writeEach(pieces.data(), 7, 0));
+  put(buffer, "behind");
+  EXPECT_TRUE(buffer.close());
+  EXPECT_EQ(test::readFile(path_), "before" + pieces + "behind");
+}
+
+TEST_F(DiskBufferStream, SeveralPiecesThrowAsOneDoes) {
+  DiskBuffer buffer(path_);
+  const auto writeFails = [](DiskBuffer& to, const std::string& pieces, int length) {
+    expectThrown<OVWriteError>([&] { to.writeEach(pieces.data(), length, 2); }, kWriteMessage);
+  };
+  writeFails(buffer, "onetwo", 3);
+  EXPECT_TRUE(buffer.writeEach("onetwo", 3, 0));
+  EXPECT_TRUE(buffer.openForWrite());
+  writeFails(buffer, "onetwo", -3);
+  EXPECT_TRUE(buffer.close());
+
+  DiskBuffer full("/dev/full");
+  EXPECT_TRUE(full.openForWrite());
+  writeFails(full, std::string(1 << 22, 'x'), 1 << 21);
+}
+
 TEST_F(DiskBufferStream, WriteWhileClosedThrows) {
   DiskBuffer buffer(path_);
   putFails(buffer);
