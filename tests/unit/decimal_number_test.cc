@@ -89,6 +89,19 @@ TEST(DecimalNumber, ReadsRandomTextsAsTheLibraryDoes) {
   }
 }
 
+TEST(DecimalNumber, ReadsDigitsUpToAnyOtherByte) {
+  std::mt19937 random = seededRandom(8);
+  for (std::size_t size = 1; size <= 10; ++size) {
+    for (int byte = 1; byte < 256; ++byte) {
+      std::string text(size, '0');
+      for (char& c : text) c = static_cast<char>('0' + random() % 10);
+      ASSERT_EQ(parseDecimal(text), libraryNumber(text)) << "'" << text << "'";
+      text[random() % size] = static_cast<char>(byte);
+      ASSERT_EQ(parseDecimal(text), libraryNumber(text)) << "byte " << byte << " of " << size;
+    }
+  }
+}
+
 TEST(DecimalNumber, ReadsNumbersNearTheLimits) {
   std::mt19937 random = seededRandom(7);
   for (int i = 0; i < 20000; ++i) {
