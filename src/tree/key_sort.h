@@ -38,20 +38,25 @@ class KeySorter {
   static constexpr std::ptrdiff_t kFew = 16;
   static constexpr std::ptrdiff_t kBlock = 64;
 
-  // Elements of a block, by their distance from its outer end, that belong on the other side.
+  // Elements of a block, or of two, by their distance from the outer end, that belong on the other
+  // side.
   struct Misplaced {
-    std::array<std::uint8_t, kBlock> places;
+    std::array<std::uint8_t, 2 * kBlock> places;
     std::size_t begin = 0;
     std::size_t end = 0;
 
-    bool empty() const { return begin == end; }
+    std::size_t size() const { return end - begin; }
+
+    // Searches the first `count` elements.
     template <typename IsMisplaced>
-    void find(IsMisplaced isMisplaced) {
-      begin = end = 0;
-      for (std::uint8_t i = 0; i < kBlock; ++i) {
-        places[end] = i;
-        end += static_cast<std::size_t>(isMisplaced(i));
+    void find(std::ptrdiff_t count, IsMisplaced isMisplaced) {
+      std::size_t found = 0;
+      for (std::ptrdiff_t i = 0; i < count; ++i) {
+        places[found] = static_cast<std::uint8_t>(i);
+        found += static_cast<std::size_t>(isMisplaced(i));
       }
+      begin = 0;
+      end = found;
     }
   };
 
@@ -98,24 +103,40 @@ class KeySorter {
   Element* partition(Element* first, Element* last, const Key pivot) const {
     Misplaced left;
     Misplaced right;
+    const auto findLeft = [&](std::ptrdiff_t count) {
+      left.find(count, [=, this](std::ptrdiff_t i) { return !(keyOf_(first[i]) < pivot); });
+    };
+    const auto findRight = [&](std::ptrdiff_t count) {
+      right.find(count, [=, this](std::ptrdiff_t i) { return !(pivot < keyOf_(last[-1 - i])); });
+    };
     while (last - first >= 2 * kBlock) {
-      if (left.empty()) left.find([=, this](int i) { return !(keyOf_(first[i]) < pivot); });
-      if (right.empty()) right.find([=, this](int i) { return !(pivot < keyOf_(last[-1 - i])); });
-      while (!left.empty() && !right.empty()) {
-        std::swap(first[left.places[left.begin++]], last[-1 - right.places[right.begin++]]);
+      if (left.size() == 0) findLeft(kBlock);
+      if (right.size() == 0) findRight(kBlock);
+      const std::size_t pairs = std::min(left.size(), right.size());
+      for (std::size_t i = 0; i < pairs; ++i) {
+        std::swap(first[left.places[left.begin + i]], last[-1 - right.places[right.begin + i]]);
       }
-      if (left.empty()) first += kBlock;
-      if (right.empty()) last -= kBlock;
+      left.begin += pairs;
+      right.begin += pairs;
+      if (left.size() == 0) first += kBlock;
+      if (right.size() == 0) last -= kBlock;
     }
-    if (!left.empty()) first += left.places[left.begin];
-    if (!right.empty()) last -= right.places[right.begin];
-    while (true) {
-      while (keyOf_(*first) < pivot) ++first;
-      --last;
-      while (pivot < keyOf_(*last)) --last;
-      if (first >= last) return first;
-      std::swap(*first++, *last);
+    if (left.size() > 0) first += left.places[left.begin];
+    if (right.size() > 0) last -= right.places[right.begin];
+
+    // Of what is left, each end looks at all: they meet where a pair isn't in order any more.
+    const std::ptrdiff_t size = last - first;
+    findLeft(size);
+    findRight(size);
+    std::ptrdiff_t end = size;  // where what has changed places begins, on the right
+    std::size_t i = 0;
+    for (; i < std::min(left.size(), right.size()); ++i) {
+      const std::ptrdiff_t place = size - 1 - right.places[i];
+      if (left.places[i] >= place) break;
+      std::swap(first[left.places[i]], first[place]);
+      end = place;
     }
+    return first + (i < left.size() ? std::min<std::ptrdiff_t>(left.places[i], end) : end);
   }
 
   // Few elements keep their order where their keys are equal.
