@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <functional>
+#include <span>
 #include <vector>
 
 #include "output/data_record.h"
@@ -51,6 +52,7 @@ DataRecordIndex::DataRecordIndex(const MenuTree& tree) {
   if (tree.getTrackTable() == nullptr) return;
   const TrackTable& tracks = *tree.getTrackTable();
   records.resize(tracks.size());
+  known = TrackSet(tracks.size());
   tracksWithoutRecord = tracks.size() - 1;  // there is no track 0
   RecurringIds ids(tracks.size());
   meetNodes(*tree.getRoot(), ids);
@@ -77,6 +79,31 @@ DataRecordIndex::DataRecordIndex(const MenuTree& tree) {
       hashes[i] = hashOf(leaf);
     }
   });
+  for (std::uint32_t i = 0; i < records.size(); ++i) {
+    if (records[i] == kToBeSearched) known.insert(i);
+  }
+}
+
+void DataRecordIndex::endSearch(const DataTable& dataTable) {
+  byNameAndId.clear();
+  release(hashes);
+  constexpr std::uint32_t kStep = 4096;
+  const std::span<const DataTable::Run> runs = dataTable.runs();
+  const std::size_t steps = (std::size_t{dataTable.size()} + kStep - 1) / kStep;
+  forEachInParallel(
+      steps, workersFor(dataTable.size()), [&](std::size_t i, std::size_t /*worker*/) {
+        const auto begin = static_cast<std::uint32_t>(i * kStep);
+        const std::uint32_t end = begin + std::min(kStep, dataTable.size() - begin);
+        auto run = std::partition_point(runs.begin(), runs.end(), [=](const DataTable::Run& other) {
+          return other.end <= begin;
+        });
+        for (; run != runs.end() && run->begin < end; ++run) {
+          const std::uint32_t last = std::min(run->end, end);
+          for (std::uint32_t record = std::max(run->begin, begin); record < last; ++record) {
+            records[run->tracks[record - run->begin]] = record;
+          }
+        }
+      });
 }
 
 std::string_view DataRecordIndex::comparedName(const MenuNode& node) {

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
+#include "output/data_table.h"
+#include "output/track_set.h"
 #include "tree/huge_pages.h"
 #include "tree/menu_tree.h"
 #include "tree/position_index.h"
@@ -22,20 +25,21 @@ struct DataRecordIndex {
   // The hash of a node's name and id.
   static std::uint32_t hashOf(const MenuNode& node);
 
-  // Forgets what only finds records for further children.
-  void endSearch() {
-    byNameAndId.clear();
-    release(hashes);
-  }
+  // To be called when all is laid out: enters the records of tracks that `dataTable` has in runs,
+  // and forgets what only finds records for further children.
+  void endSearch(const DataTable& dataTable);
 
+  // Links of the data table.
   PositionIndex byNameAndId;
 
   // Of each track, by its number, the data record that its leaves share. As long as it has none: 0,
-  // or, where something else in the tree has its id, kToBeSearched, and in `hashes` what it is
-  // searched by.
+  // or, where something else in the tree has its id, kToBeSearched, and in `hashes`, which is empty
+  // if there is no such track, what it is searched by. Until endSearch() it is also 0 where the
+  // record is one of a run.
   static constexpr std::uint32_t kToBeSearched = 0xFFFFFFFF;
   LargeVector<std::uint32_t> records;
   LargeVector<std::uint32_t> hashes;
+  TrackSet known;  // tracks that have a record, or are to be searched
   std::size_t tracksWithoutRecord = 0;
 };
 

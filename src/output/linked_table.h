@@ -1,5 +1,6 @@
 #pragma once
 
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -29,10 +30,10 @@ class LinkedTable {
 
   std::uint32_t size() const { return size_; }
 
-  // Makes room for so many records, be they appended as leaves or as what is yet to be linked.
-  void reserve(std::size_t records) {
-    leaves_.reserve(records);
-    linked_.reserve(records);
+  // Makes room for so many leaves that are appended one by one, and so many other records.
+  void reserve(std::size_t leaves, std::size_t others) {
+    leaves_.reserve(leaves);
+    linked_.reserve(others);
   }
 
   // Appends the record of a media leaf without children.
@@ -46,24 +47,45 @@ class LinkedTable {
   // Appends those of tracks' leaves. The numbers stay where they are, and must until the records
   // have been read. Fewer than kLeastRun take less when they are appended one by one.
   static constexpr std::size_t kLeastRun = 4;
-  void appendLeaves(std::span<const std::uint32_t> tracks) {
-    if (tracks.empty()) return;
-    const std::uint32_t sizeAfter = sizeWith(tracks.size());
-    runs_.push_back({tracks.data(), size_, sizeAfter});
-    size_ = sizeAfter;
+  void appendLeaves(std::span<const std::uint32_t> tracks) { appendRun(tracks, kNotCounted); }
+
+  // The same where the leaves are known to count up, from `first` on.
+  void appendLeaves(std::span<const std::uint32_t> tracks,
+                    std::uint32_t first) requires std::integral<Leaf> {
+    appendRun(tracks, first);
   }
 
   // Appends a record that is yet to be linked.
   Link append(const Record& record) {
     const std::uint32_t sizeAfter = sizeWith(1);
+    const Link link = nextLink();
     linked_.push_back({size_, record});
     size_ = sizeAfter;
-    return static_cast<Link>(linked_.size() - 1);
+    return link;
   }
 
   void setFirstChild(Link link, std::uint32_t index) {
     linked_[link].record.firstChildIndex = index;
   }
+
+  // The link that the next record to be linked gets.
+  Link nextLink() const { return static_cast<Link>(linked_.size()); }
+
+  // The record with that link, and its place in the table.
+  const Record& linkedRecord(Link link) const { return linked_[link].record; }
+  std::uint32_t positionOf(Link link) const { return linked_[link].position; }
+
+  // Leaves whose tracks' numbers stand one after the other.
+  struct Run {
+    const std::uint32_t* tracks;
+    std::uint32_t begin;  // of their records in the table
+    std::uint32_t end;
+    std::uint32_t first;  // the first leaf, if they count up, or kNotCounted
+  };
+  static constexpr std::uint32_t kNotCounted = 0xFFFFFFFF;
+
+  // Those that were appended by appendLeaves(), in order.
+  std::span<const Run> runs() const { return runs_; }
 
   // Forgets all records and frees their memory.
   void clear() {
@@ -83,12 +105,12 @@ class LinkedTable {
     Record record;
   };
 
-  // Leaves whose tracks' numbers stand one after the other.
-  struct Run {
-    const std::uint32_t* tracks;
-    std::uint32_t begin;  // of their records in the table
-    std::uint32_t end;
-  };
+  void appendRun(std::span<const std::uint32_t> tracks, std::uint32_t first) {
+    if (tracks.empty()) return;
+    const std::uint32_t sizeAfter = sizeWith(tracks.size());
+    runs_.push_back({tracks.data(), size_, sizeAfter, first});
+    size_ = sizeAfter;
+  }
 
   std::uint32_t sizeWith(std::size_t more) const {
     if (more > kMostRecords - size_) throw std::length_error("too many records for a file");

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -21,7 +22,7 @@ class LinkedTableReader {
         linked_(table.linked_.begin()) {}
 
   // Replaces `records` by what `form` makes of the next ones, at most `most`; by none at the end.
-  // `ofTrack` gives the record of a leaf that is a track's number.
+  // `ofTrack` gives the record of a leaf that is a track's number, unless the leaves count up.
   template <typename Form, typename OfTrack, typename MakeForm = std::identity>
   void read(std::vector<Form>& records, std::size_t most, OfTrack ofTrack, MakeForm form = {}) {
     const std::uint32_t end = endOf(most);
@@ -33,9 +34,7 @@ class LinkedTableReader {
         ++at_;
       } else if (run_ != table_->runs_.end() && run_->begin <= at_) {
         const std::uint32_t runEnd = std::min(run_->end, end);
-        record = std::transform(run_->tracks + (at_ - run_->begin),
-                                run_->tracks + (runEnd - run_->begin), record,
-                                [&](std::uint32_t track) { return form(ofTrack(track)); });
+        record = readRun(runEnd, record, ofTrack, form);
         at_ = runEnd;
         if (at_ == run_->end) ++run_;
       } else {
@@ -63,6 +62,21 @@ class LinkedTableReader {
 
  private:
   using Table = LinkedTable<Record>;
+
+  // What read() gives of the run up to the record `end`.
+  template <typename Out, typename OfTrack, typename MakeForm>
+  Out readRun(std::uint32_t end, Out out, OfTrack ofTrack, MakeForm form) const {
+    const std::uint32_t from = at_ - run_->begin;
+    const std::uint32_t to = end - run_->begin;
+    if constexpr (std::integral<typename Table::Leaf>) {
+      if (run_->first != Table::kNotCounted) {
+        for (std::uint32_t i = from; i < to; ++i) *out++ = form(Record::ofLeaf(run_->first + i));
+        return out;
+      }
+    }
+    return std::transform(run_->tracks + from, run_->tracks + to, out,
+                          [&](std::uint32_t track) { return form(ofTrack(track)); });
+  }
 
   std::uint32_t endOf(std::size_t most) const {
     return static_cast<std::uint32_t>(at_ + std::min<std::size_t>(most, table_->size() - at_));

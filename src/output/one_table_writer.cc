@@ -56,7 +56,7 @@ void putTable(const NodeTable& table, const TrackTable* tracks, RecordSink& sink
 
 bool writeOneTable(const MenuTree& tree, Buffer& buffer) {
   NodeTable table;
-  table.reserve(tree.nodeCountHint());
+  table.reserve(tree.nodeCountHint(), tree.nodeCountHint());
   const NodeTable::Link rootLink = table.append({tree.root()});
   table.setFirstChild(rootLink, layoutNodeChildren(tree.getRoot(), table));
 

@@ -37,23 +37,15 @@ class TwoTables {
   }
 
   void appendLeaves(std::span<const std::uint32_t> tracks) {
-    if (tracks.size() < TreeTable::kLeastRun) {
-      for (const std::uint32_t track : tracks) {
-        giveRecord(track);
-        treeTable_.appendLeaf(idMap_.records[track]);
-      }
-      return;
-    }
-    treeTable_.appendLeaves(tracks);
-    if (idMap_.tracksWithoutRecord == 0) return;
-    const auto give = [&](std::size_t i) { giveRecord(tracks[i]); };
-    if (tracks.size() <= kFewLeaves) {
-      // Most of them have been asked for.
-      for (std::size_t i = 0; i < tracks.size(); ++i) give(i);
+    const std::uint32_t next = dataTable_.size();
+    const bool areNew = idMap_.tracksWithoutRecord > 0 && giveRecords(tracks);
+    const auto record = [&](std::uint32_t track) { return idMap_.records[track]; };
+    if (tracks.size() < TreeTable::kLeastRun && std::all_of(tracks.begin(), tracks.end(), record)) {
+      for (const std::uint32_t track : tracks) treeTable_.appendLeaf(record(track));
+    } else if (areNew) {
+      treeTable_.appendLeaves(tracks, next);
     } else {
-      forEachPrefetched(
-          tracks.size(), give, [&](std::size_t i) { prefetch(&idMap_.records[tracks[i]]); },
-          [&](std::size_t i) { expectSearch(tracks[i]); });
+      treeTable_.appendLeaves(tracks);
     }
   }
 
@@ -74,6 +66,7 @@ class TwoTables {
   }
 
   void expectLeaves(std::span<const std::uint32_t> tracks) const {
+    if (tracks.size() >= TreeTable::kLeastRun && idMap_.hashes.empty()) return;
     const auto first = tracks.first(std::min(tracks.size(), kFewLeaves));
     for (const std::uint32_t track : first) prefetch(&idMap_.records[track]);
   }
@@ -90,31 +83,56 @@ class TwoTables {
     idMap_.byNameAndId.expect(idMap_.hashes[track]);
   }
 
-  // Sees to it that the track's leaves have a data record.
-  void giveRecord(std::uint32_t track) {
-    std::uint32_t& record = idMap_.records[track];
-    const bool isNew = record == 0;
-    if (!isNew && record != DataRecordIndex::kToBeSearched) return;
-    const Child leaf = Child::ofTrack(track);
-    record = isNew ? add(leaf) : findOrAdd(leaf, idMap_.hashes[track]);
-    --idMap_.tracksWithoutRecord;
+  // Sees to it that the tracks' leaves have data records. Whether all of these are new, and so
+  // count up.
+  bool giveRecords(std::span<const std::uint32_t> tracks) {
+    std::size_t begin = 0;  // of those that are new, behind the last that isn't
+    const auto give = [&](std::size_t i) {
+      const std::uint32_t track = tracks[i];
+      if (idMap_.known.insert(track)) return;
+      addTracks(tracks.subspan(begin, i - begin));
+      begin = i + 1;
+      if (idMap_.hashes.empty()) return;
+      std::uint32_t& record = idMap_.records[track];
+      if (record != DataRecordIndex::kToBeSearched) return;
+      record = findOrAdd(Child::ofTrack(track), idMap_.hashes[track]);
+      --idMap_.tracksWithoutRecord;
+    };
+    if (idMap_.hashes.empty() || tracks.size() <= kFewLeaves) {
+      for (std::size_t i = 0; i < tracks.size(); ++i) give(i);
+    } else {
+      forEachPrefetched(
+          tracks.size(), give, [&](std::size_t i) { prefetch(&idMap_.records[tracks[i]]); },
+          [&](std::size_t i) { expectSearch(tracks[i]); });
+    }
+    addTracks(tracks.subspan(begin));
+    return begin == 0;
   }
 
-  std::uint32_t add(Child child) {
-    dataTable_.push_back(child);
-    return static_cast<std::uint32_t>(dataTable_.size() - 1);
+  // Adds records that nothing else shares.
+  void addTracks(std::span<const std::uint32_t> tracks) {
+    if (tracks.size() >= DataTable::kLeastRun) {
+      dataTable_.appendLeaves(tracks);
+    } else {
+      for (const std::uint32_t track : tracks) {
+        idMap_.records[track] = dataTable_.size();
+        dataTable_.appendLeaf(Child::ofTrack(track));
+      }
+    }
+    idMap_.tracksWithoutRecord -= tracks.size();
   }
 
   std::uint32_t findOrAdd(Child child, std::uint32_t hash) {
-    const auto next = static_cast<std::uint32_t>(dataTable_.size());
-    const std::uint32_t index =
-        idMap_.byNameAndId.findOrInsert(hash, next, [&](std::uint32_t candidate) {
+    const DataTable::Link next = dataTable_.nextLink();
+    const DataTable::Link link =
+        idMap_.byNameAndId.findOrInsert(hash, next, [&](DataTable::Link candidate) {
           const MenuNode& node = view_(child);
-          const MenuNode& other = candidateView_(dataTable_[candidate]);
+          const MenuNode& other = candidateView_(dataTable_.linkedRecord(candidate).child);
           return other.getMediaId() == node.getMediaId() &&
                  DataRecordIndex::comparedName(other) == DataRecordIndex::comparedName(node);
         });
-    return index == next ? add(child) : index;
+    if (link == next) dataTable_.append({child});
+    return dataTable_.positionOf(link);
   }
 
   ChildView view_;

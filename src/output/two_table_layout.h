@@ -3,16 +3,11 @@
 #include <cstdint>
 
 #include "output/data_record_index.h"
+#include "output/data_table.h"
 #include "output/tree_record.h"
-#include "tree/child.h"
-#include "tree/huge_pages.h"
 #include "tree/menu_node.h"
 
 namespace Orvane {
-
-// The data table, in record order: for each record the child that it is filled from. Not owned; the
-// records themselves, 72 bytes each, come into being only as they are written.
-using DataTable = LargeVector<Child>;
 
 // Lays out the descendants of `node` behind what the tables hold and returns the tree index of its
 // first child record (kNoChildren for nullptr and for a media leaf). The data table's first record,

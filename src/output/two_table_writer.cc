@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "output/data_record.h"
+#include "output/data_table.h"
 #include "output/file_header.h"
 #include "output/linked_table_reader.h"
 #include "output/record_sink.h"
@@ -46,33 +47,36 @@ void putTreeTable(const TreeTable& treeTable, const DataRecordIndex& idMap, Reco
 void putDataTable(const DataTable& dataTable, const TrackTable* tracks, RecordSink& sink) {
   constexpr std::size_t kRecordsAtATime = 1024;
   struct Block {
-    std::span<const Child> children;
+    std::optional<LinkedTableReader<DataSource>> from;
+    std::vector<DataSource> sources;
     std::vector<std::array<std::uint8_t, kDataRecordSize>> records;
   };
-  std::span<const Child> left = dataTable;
+  LinkedTableReader<DataSource> reader(dataTable);
   sink.putBlocks<Block>(
       dataTable.size(),
       [&](Block& block) {
-        block.children = left.first(std::min(left.size(), kRecordsAtATime));
-        left = left.subspan(block.children.size());
-        return !block.children.empty();
+        block.from = reader;
+        return reader.skip(kRecordsAtATime);
       },
       [&](Block& block) {
         ChildView view(tracks);
-        const std::span<const Child> children = block.children;
-        block.records.resize(children.size());
+        const std::vector<DataSource>& sources = block.sources;
+        block.from->read(block.sources, kRecordsAtATime, [](std::uint32_t track) {
+          return DataSource::ofLeaf(Child::ofTrack(track));
+        });
+        block.records.resize(sources.size());
         forEachPrefetched(
-            children.size(),
-            [&](std::size_t i) { fillDataRecord(view(children[i]), block.records[i]); },
-            [&](std::size_t i) { view.expect(children[i], 0); },
-            [&](std::size_t i) { view.expect(children[i], 1); });
+            sources.size(),
+            [&](std::size_t i) { fillDataRecord(view(sources[i].child), block.records[i]); },
+            [&](std::size_t i) { view.expect(sources[i].child, 0); },
+            [&](std::size_t i) { view.expect(sources[i].child, 1); });
       });
 }
 
 void layOut(const MenuTree& tree, TreeTable& treeTable, DataTable& dataTable,
             DataRecordIndex& idMap) {
   const MenuNode& root = *tree.getRoot();
-  dataTable.push_back(tree.root());
+  dataTable.appendLeaf(tree.root());
   TreeRecord rootRecord;
   fillTreeRecord(root, rootRecord);
   const TreeTable::Link rootLink = treeTable.append(rootRecord);
@@ -85,15 +89,13 @@ bool writeTwoTable(const MenuTree& tree, Buffer& buffer) {
   TreeTable treeTable;
   DataTable dataTable;
   DataRecordIndex idMap(tree);
-  // First what is surely used: the pages that there are go to what asks first.
-  dataTable.reserve(tree.nodeCountHint() + idMap.tracksWithoutRecord);
-  makePagesAhead(dataTable.data(), dataTable.capacity() * sizeof(Child));
-  treeTable.reserve(tree.nodeCountHint());
+  dataTable.reserve(0, tree.nodeCountHint());
+  treeTable.reserve(tree.nodeCountHint(), tree.nodeCountHint());
   layOut(tree, treeTable, dataTable, idMap);
-  idMap.endSearch();
+  idMap.endSearch(dataTable);
 
   std::array<std::uint8_t, kTwoTableHeaderSize> header{};
-  fillFileHeader(header, 2, treeTable.size(), static_cast<std::uint32_t>(dataTable.size()));
+  fillFileHeader(header, 2, treeTable.size(), dataTable.size());
 
   giveBackSpareMemory();
   buffer.openForWrite();

@@ -60,7 +60,8 @@ TEST_F(TracksInATree, AreCountedUntilTheyHaveARecord) {
   DataRecordIndex index(tree_);
   EXPECT_EQ(index.tracksWithoutRecord, 3U);
   TreeTable treeTable;
-  DataTable dataTable(1, tree_.root());
+  DataTable dataTable;
+  dataTable.appendLeaf(tree_.root());
   layoutChildren(&two, treeTable, dataTable, index);
   EXPECT_EQ(index.tracksWithoutRecord, 1U);
   EXPECT_THAT(index.records, ElementsAre(0U, 2U, 0U, 1U));
@@ -76,9 +77,10 @@ TEST_F(TracksInATree, AreCountedUntilTheyHaveARecord) {
 TEST_F(TracksInATree, KeepTheirRecordsWhenTheSearchEnds) {
   DataRecordIndex index(tree_);
   TreeTable treeTable;
-  DataTable dataTable(1, tree_.root());
+  DataTable dataTable;
+  dataTable.appendLeaf(tree_.root());
   layoutChildren(tree_.getRoot(), treeTable, dataTable, index);
-  index.endSearch();
+  index.endSearch(dataTable);
   EXPECT_EQ(index.hashes.capacity(), 0U);
   EXPECT_EQ(index.byNameAndId.findOrInsert(DataRecordIndex::hashOf(menu_), 99,
                                            [](std::uint32_t) { return true; }),

@@ -28,7 +28,7 @@ class LayoutMemory : public ::testing::Test {
 
 TEST_F(LayoutMemory, LeavesOfOneTableTakeTheirPlacesOnly) {
   NodeTable table;
-  table.reserve(kLeaves);
+  table.reserve(kLeaves, 0);
   const LimitedAllocations limited(kOfTheLayoutItself);
   EXPECT_EQ(layoutNodeChildren(&root_, table), 0U);
   EXPECT_EQ(table.size(), kLeaves);
@@ -38,8 +38,8 @@ TEST_F(LayoutMemory, LeavesOfTwoTablesTakeTheirPlacesOnly) {
   TreeTable treeTable;
   DataTable dataTable;
   DataRecordIndex index(tree_);
-  treeTable.reserve(kLeaves);
-  dataTable.reserve(kLeaves);
+  treeTable.reserve(kLeaves, 0);
+  dataTable.reserve(0, kLeaves);
   index.byNameAndId.reserve(kLeaves);
   const LimitedAllocations limited(kOfTheLayoutItself);
   EXPECT_EQ(layoutChildren(&root_, treeTable, dataTable, index), 0U);

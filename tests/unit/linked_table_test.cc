@@ -106,6 +106,37 @@ TEST_F(LinkedTables, LinkWhatWasAppendedForIt) {
   EXPECT_EQ(entries[0].firstChildIndex, 0U);
 }
 
+TEST_F(LinkedTables, LeavesThatCountUpAreNotAskedFor) {
+  const std::array<std::uint32_t, 3> tracks = {8, 1, 2};
+  table_.appendLeaf(5);
+  table_.appendLeaves(tracks, 40);
+  table_.appendLeaves(tracks);
+  table_.appendLeaves(std::span(tracks).first(2), 60);
+  for (std::size_t atATime = 1; atATime < 11; ++atATime) {
+    EXPECT_THAT(read(atATime), ElementsAre(5U, 40U, 41U, 42U, 1008U, 1001U, 1002U, 60U, 61U))
+        << atATime << " at a time";
+    EXPECT_EQ(readBySkipping(atATime), read(atATime)) << atATime << " at a time";
+  }
+}
+
+TEST_F(LinkedTables, TellTheirRunsAndWhatALinkIsOf) {
+  const std::array<std::uint32_t, 3> tracks = {8, 1, 2};
+  table_.appendLeaf(5);
+  EXPECT_EQ(table_.nextLink(), 0U);
+  table_.append({7});
+  table_.appendLeaves(tracks);
+  EXPECT_EQ(table_.nextLink(), 1U);
+  EXPECT_EQ(table_.append({9}), 1U);
+  EXPECT_EQ(table_.linkedRecord(0).from, 7U);
+  EXPECT_EQ(table_.linkedRecord(1).from, 9U);
+  EXPECT_EQ(table_.positionOf(0), 1U);
+  EXPECT_EQ(table_.positionOf(1), 5U);
+  ASSERT_EQ(table_.runs().size(), 1U);
+  EXPECT_EQ(table_.runs()[0].tracks, tracks.data());
+  EXPECT_EQ(table_.runs()[0].begin, 2U);
+  EXPECT_EQ(table_.runs()[0].end, 5U);
+}
+
 TEST_F(LinkedTables, AreEmptyWhenCleared) {
   const std::array<std::uint32_t, 2> tracks = {1, 2};
   table_.append({11});

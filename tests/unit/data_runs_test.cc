@@ -1,0 +1,145 @@
+// Data records of tracks that are laid out in runs: which leaf has which.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+#include "output/data_record_index.h"
+#include "output/two_table_layout.h"
+#include "output/two_table_writer.h"
+#include "recording_buffer.h"
+#include "seeded_random.h"
+#include "tree/menu_tree.h"
+#include "tree/track.h"
+#include "two_tables.h"
+
+namespace Orvane::test {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
+
+class DataRuns : public ::testing::Test {
+ protected:
+  // Tracks "t1", "t2" and so on, of ids that nothing else has.
+  explicit DataRuns(std::size_t count = 12) : tracks_(count), titles_(count) {
+    tree_.setTrackTable(table_);
+    for (std::size_t i = 0; i < count; ++i) {
+      titles_[i] = "t" + std::to_string(i + 1);
+      tracks_[i].setTitle(titles_[i]);
+      tracks_[i].setMediaId(static_cast<std::uint32_t>(1000 + i));
+      table_.push_back(&tracks_[i]);
+    }
+  }
+
+  MenuNode& addMenu(const std::vector<std::uint32_t>& numbers) {
+    MenuNode& menu = tree_.getRoot()->appendChild([](MenuNode&) {});
+    for (const std::uint32_t number : numbers) {
+      menu.appendLeaf(table_, number);
+      leafNames_.push_back("t" + std::to_string(number));
+    }
+    return menu;
+  }
+
+  // The root's and the menus' records come first, then those of the leaves, menu by menu.
+  Tables written() const {
+    RecordingBuffer buffer;
+    writeTwoTable(tree_, buffer);
+    return Tables(buffer.content);
+  }
+
+  void expectLeafNames() const {
+    const std::vector<std::string> names = written().treeNames();
+    const std::size_t before = 1 + tree_.getRoot()->childCount();
+    ASSERT_GE(names.size(), before);
+    EXPECT_THAT(std::vector(names.begin() + static_cast<std::ptrdiff_t>(before), names.end()),
+                ElementsAreArray(leafNames_));
+  }
+
+  std::vector<Track> tracks_;
+  std::vector<std::string> titles_;
+  TrackTable table_;
+  MenuTree tree_;
+  std::vector<std::string> leafNames_;
+};
+
+TEST_F(DataRuns, AreInTheOrderOfTheirLeaves) {
+  addMenu({3, 1, 2, 5, 4});
+  addMenu({6, 7});
+  addMenu({8, 9, 10, 11});
+  expectLeafNames();
+  EXPECT_THAT(written().names, ElementsAre("root", "", "t3", "t1", "t2", "t5", "t4", "t6", "t7",
+                                           "t8", "t9", "t10", "t11"));
+}
+
+TEST_F(DataRuns, AreSharedByLeavesThatComeLater) {
+  addMenu({1, 2, 3, 4, 5});
+  addMenu({4, 2});
+  addMenu({5, 5, 1, 3, 4, 2});
+  addMenu({1});
+  expectLeafNames();
+  EXPECT_EQ(written().data.size(), 7U);
+}
+
+TEST_F(DataRuns, EndWhereATrackHasARecord) {
+  addMenu({1, 2, 3, 4, 3, 5, 6, 7, 8, 9});
+  addMenu({10, 1, 11, 2, 12});
+  addMenu({12, 9});
+  expectLeafNames();
+  EXPECT_THAT(written().names, ElementsAre("root", "", "t1", "t2", "t3", "t4", "t5", "t6", "t7",
+                                           "t8", "t9", "t10", "t11", "t12"));
+}
+
+TEST_F(DataRuns, EndWhereATrackIsSearchedFor) {
+  tracks_[2].setMediaId(77);  // as the menus have
+  tracks_[6].setMediaId(77);
+  tracks_[7].setTitle("t7");
+  tracks_[7].setMediaId(77);  // the track before once more
+  for (MenuNode* menu : {&addMenu({1, 2, 3, 4, 5, 6, 7, 8, 9}), &addMenu({10, 8, 3, 2})}) {
+    menu->setMediaId(77);
+  }
+  for (std::string& name : leafNames_) name = name == "t8" ? "t7" : name;
+  expectLeafNames();
+  EXPECT_THAT(written().names,
+              ElementsAre("root", "", "t1", "t2", "t3", "t4", "t5", "t6", "t7", "t9", "t10"));
+}
+
+TEST_F(DataRuns, AreEnteredWhenAllIsLaidOut) {
+  addMenu({2, 1, 4, 3, 5});
+  addMenu({7, 6});
+  DataRecordIndex index(tree_);
+  TreeTable treeTable;
+  DataTable dataTable;
+  dataTable.appendLeaf(tree_.root());
+  layoutChildren(tree_.getRoot(), treeTable, dataTable, index);
+  EXPECT_EQ(index.tracksWithoutRecord, 5U);
+  index.endSearch(dataTable);
+  EXPECT_THAT(index.records, ElementsAre(0U, 3U, 2U, 5U, 4U, 6U, 8U, 7U, 0U, 0U, 0U, 0U, 0U));
+}
+
+class ManyDataRuns : public DataRuns {
+ protected:
+  ManyDataRuns() : DataRuns(20'000) {}
+};
+
+// Enough of them for several threads.
+TEST_F(ManyDataRuns, KeepTheirOrder) {
+  auto random = seededRandom(77);
+  for (int i = 0; i < 300; ++i) {
+    std::vector<std::uint32_t> numbers(random() % (i % 50 == 0 ? 30'000 : 500));
+    std::uint32_t number = 0;
+    for (std::uint32_t& each : numbers) {
+      number = (random() % 20 == 0 ? static_cast<std::uint32_t>(random()) : number + 1) % 20'000;
+      each = number + 1;
+    }
+    addMenu(numbers);
+  }
+  expectLeafNames();
+}
+
+}  // namespace
+}  // namespace Orvane::test
