@@ -139,7 +139,7 @@ TEST_F(PagesForLaterTest, AreThereForWhoAsksNext) {
 }
 
 TEST_F(PagesForLaterTest, WaitForThoseThatAreNeededSooner) {
-  constexpr std::size_t kMuch = 1024 * kHugePageSize;
+  constexpr std::size_t kMuch = 512 * kHugePageSize;
   {
     const PagesForLater pages(kMuch);
     waitForPages();
@@ -149,7 +149,7 @@ TEST_F(PagesForLaterTest, WaitForThoseThatAreNeededSooner) {
 
 // Those under way are still made, but no others.
 TEST_F(PagesForLaterTest, AreNotMadeAnyMoreWhenDestroyed) {
-  constexpr std::size_t kMuch = 4096 * kHugePageSize;
+  constexpr std::size_t kMuch = 512 * kHugePageSize;
   { const PagesForLater pages(kMuch); }
   void* const memory = allocateLarge(kMuch);
   waitForPages();
