@@ -9,8 +9,9 @@
 
 namespace Orvane {
 
-// Finds the places of a byte in a text, up to 64 places at a time: which of the pieces between them
-// end in the same eight bytes is nothing that the processor could foresee.
+// Finds the places of a byte in a text, up to 64 places at a time. How many there are in the next
+// eight bytes can't be foreseen: a branch on that for every eight would cost more than all the
+// rest.
 class ByteScan {
  public:
   static constexpr std::size_t kMostPlaces = 64;

@@ -58,7 +58,8 @@ std::uint32_t numberOf(std::uint64_t digits) {
 }  // namespace
 
 std::int32_t parseDecimal(std::string_view text) {
-  // Nearly all are of this kind, and of a length that is hard to foresee.
+  // Nearly all are of this kind, and of a length that is hard to foresee. (A word has its first
+  // character lowest only where bytes are in that order.)
   if (std::endian::native == std::endian::little && text.size() - 1 < kFewDigits) {
     const std::uint64_t word = paddedWord(text);
     if (areDigits(word)) return static_cast<std::int32_t>(numberOf(word));

@@ -24,10 +24,9 @@ bool Buffer::close() {
 }
 
 bool Buffer::writeEach(const char* data, int length, std::size_t count) {
-  for (; count > 0; --count, data += length) {
-    if (!write(data, length)) return false;
-  }
-  return true;
+  bool areWritten = true;
+  for (; count > 0; --count, data += length) areWritten = write(data, length) && areWritten;
+  return areWritten;
 }
 
 bool Buffer::openRawRead() {

@@ -6,7 +6,7 @@
 namespace Orvane {
 
 // A byte sink and source that is open for one thing at a time. The inventory writers put their
-// output through it: openForWrite() once, write() in file order, close().
+// output through it: openForWrite() once, write() or writeEach() in file order, close().
 //
 // There are two independent ways to the bytes: a stream path (write, read, seek) and a raw path of
 // 4096-byte blocks (nextBlock, commitBlock). Not for use by several threads.
@@ -43,8 +43,9 @@ class Buffer {
   // Raw writing: puts out the first `length` bytes of the block.
   virtual bool commitBlock(int length) = 0;
 
-  // Writes `count` pieces of `length` bytes each, which stand one right behind the other, as that
-  // many calls of write() do; false from the first on that gives false.
+  // The same as `count` calls of write() with pieces of `length` bytes, which stand one right
+  // behind the other, whatever these return. True when all did. Who overrides one of the two
+  // overrides the other, if write() needn't be called for it.
   virtual bool writeEach(const char* data, int length, std::size_t count);
 
  protected:

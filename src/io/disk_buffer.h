@@ -13,9 +13,10 @@ namespace Orvane {
 
 // The Buffer on a file. Construction opens nothing; every open uses the path given there.
 //
-// Failures of the stream path are thrown: OVWriteError by write() and close(), OVReadError by
-// read(). Any other exception inside write() or read() ends the program. Failures of the raw path
-// return false and leave the buffer closed, its descriptor still open until close() or destruction.
+// Failures of the stream path are thrown: OVWriteError by write(), writeEach() and close(),
+// OVReadError by read(). Any other exception inside writing or reading ends the program. Failures
+// of the raw path return false and leave the buffer closed, its descriptor still open until close()
+// or destruction.
 class DiskBuffer : public Buffer {
  public:
   // Capacity of the raw path's block, and the file offset multiple at which raw reads end.
@@ -41,7 +42,7 @@ class DiskBuffer : public Buffer {
   bool write(const char* data, int length) override;
   bool read(char* data, int length) override;
 
-  // Takes all at once: the same bytes reach the file in the same pieces.
+  // Takes all at once, without a call of write(): the same bytes reach the file in the same pieces.
   bool writeEach(const char* data, int length, std::size_t count) override;
 
   // Any other `whence` counts from the beginning. -1 also when the buffer isn't open as a stream.

@@ -25,11 +25,11 @@ struct DataRecordIndex {
   // The hash of a node's name and id.
   static std::uint32_t hashOf(const MenuNode& node);
 
-  // To be called when all is laid out: enters the records of tracks that `dataTable` has in runs,
-  // and forgets what only finds records for further children.
+  // To be called when all is laid out, with the table that it is laid out in: enters the records of
+  // tracks that are in runs there, and forgets what only finds records for further children.
   void endSearch(const DataTable& dataTable);
 
-  // Links of the data table.
+  // Finds the link of a record in the data table by its name and id.
   PositionIndex byNameAndId;
 
   // Of each track, by its number, the data record that its leaves share. As long as it has none: 0,
@@ -39,8 +39,8 @@ struct DataRecordIndex {
   static constexpr std::uint32_t kToBeSearched = 0xFFFFFFFF;
   LargeVector<std::uint32_t> records;
   LargeVector<std::uint32_t> hashes;
-  TrackSet known;  // tracks that have a record, or are to be searched
-  std::size_t tracksWithoutRecord = 0;
+  TrackSet known;                       // tracks that have a record, or are to be searched
+  std::size_t tracksWithoutRecord = 0;  // in no run either
 };
 
 }  // namespace Orvane

@@ -13,8 +13,8 @@ struct DataSource {
   static DataSource ofLeaf(Child leaf) { return {leaf}; }
 };
 
-// The data table, in record order. What others may come to share is appended as what is yet to be
-// linked, so that it can be found by its link; all else as leaves.
+// The data table, in record order. What others may come to share is kept whole, so that it can be
+// reached by its link; all else is leaves.
 using DataTable = LinkedTable<DataSource>;
 
 }  // namespace Orvane

@@ -13,18 +13,19 @@ namespace Orvane {
 template <typename Record>
 class LinkedTableReader;
 
-// A table of records with links, in record order. Most records are those of media leaves and link
-// to nothing: of these only the rest is kept, and of leaves that are numbers of tracks nothing but
-// where those numbers are. A LinkedTableReader gives the records back.
+// A table of records, in record order. Most are those of media leaves and link to nothing: of these
+// only the rest is kept, and of leaves that are numbers of tracks nothing but where those numbers
+// are. The others are kept whole, and have links by which they can be reached. A LinkedTableReader
+// gives the records back.
 //
-// A Record has a firstChildIndex, a type Leaf for what a leaf's record is made from, and a static
-// ofLeaf(Leaf) that makes it.
+// A Record has a type Leaf for what a leaf's record is made from, a static ofLeaf(Leaf) that makes
+// it, and, where setFirstChild() is used, a firstChildIndex.
 template <typename Record>
 class LinkedTable {
  public:
   using Leaf = typename Record::Leaf;
 
-  // Where a record is to be linked to its children. Good for the table that gave it.
+  // Where a record is that was kept whole. Good for the table that gave it.
   using Link = std::uint32_t;
   static constexpr Link kNeverLinked = 0xFFFFFFFF;
 
@@ -55,7 +56,7 @@ class LinkedTable {
     appendRun(tracks, first);
   }
 
-  // Appends a record that is yet to be linked.
+  // Appends a record that is to be kept whole.
   Link append(const Record& record) {
     const std::uint32_t sizeAfter = sizeWith(1);
     const Link link = nextLink();
@@ -68,7 +69,7 @@ class LinkedTable {
     linked_[link].record.firstChildIndex = index;
   }
 
-  // The link that the next record to be linked gets.
+  // The link that append() gives next.
   Link nextLink() const { return static_cast<Link>(linked_.size()); }
 
   // The record with that link, and its place in the table.

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <tuple>
+#include <type_traits>
 
 #include "io/buffer.h"
 #include "output/inventory_format.h"
@@ -36,6 +38,7 @@ class RecordSink {
     const auto putBlock = [&](const Block& block) {
       const auto* const bytes = reinterpret_cast<const char*>(block.records.data());
       constexpr int kSize = sizeof(block.records[0]);
+      static_assert(kSize == std::tuple_size_v<std::decay_t<decltype(block.records[0])>>);
       buffer_.writeEach(bytes, kSize, block.records.size());
     };
     if (workersFor(count) > 1) {

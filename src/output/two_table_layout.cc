@@ -39,9 +39,11 @@ class TwoTables {
   void appendLeaves(std::span<const std::uint32_t> tracks) {
     const std::uint32_t next = dataTable_.size();
     const bool areNew = idMap_.tracksWithoutRecord > 0 && giveRecords(tracks);
-    const auto record = [&](std::uint32_t track) { return idMap_.records[track]; };
-    if (tracks.size() < TreeTable::kLeastRun && std::all_of(tracks.begin(), tracks.end(), record)) {
-      for (const std::uint32_t track : tracks) treeTable_.appendLeaf(record(track));
+    // Those that the data table has in runs aren't known before all is laid out.
+    const auto isKnown = [&](std::uint32_t track) { return idMap_.records[track] != 0; };
+    const bool isShort = tracks.size() < TreeTable::kLeastRun;
+    if (isShort && std::all_of(tracks.begin(), tracks.end(), isKnown)) {
+      for (const std::uint32_t track : tracks) treeTable_.appendLeaf(idMap_.records[track]);
     } else if (areNew) {
       treeTable_.appendLeaves(tracks, next);
     } else {

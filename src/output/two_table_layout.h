@@ -11,7 +11,10 @@ namespace Orvane {
 
 // Lays out the descendants of `node` behind what the tables hold and returns the tree index of its
 // first child record (kNoChildren for nullptr and for a media leaf). The data table's first record,
-// which nothing shares, must be there already where children are numbers of tracks.
+// which nothing shares, must be there already where children are numbers of tracks. Both tables
+// refer to these numbers, and to the nodes, until they have been read; the tree table of a tree
+// with a track table can be read once `idMap`, which is for one data table only, has ended its
+// search.
 //
 // Nodes with equal mediaId and equal name share the data record of the first of them, whatever else
 // differs. Names are equal when their stored 64 bytes are, up to the first zero byte.

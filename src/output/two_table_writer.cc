@@ -1,10 +1,9 @@
 #include "output/two_table_writer.h"
 
-#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <vector>
 
 #include "output/data_record.h"
@@ -15,7 +14,6 @@
 #include "output/two_table_layout.h"
 #include "tree/child_view.h"
 #include "tree/huge_pages.h"
-#include "tree/pages_ahead.h"
 #include "tree/prefetch.h"
 
 namespace Orvane {

@@ -37,6 +37,7 @@ class KeySorter {
  private:
   static constexpr std::ptrdiff_t kFew = 16;
   static constexpr std::ptrdiff_t kBlock = 64;
+  static_assert(2 * kBlock <= 256, "places are bytes");
 
   // Elements of a block, or of two, by their distance from the outer end, that belong on the other
   // side.

@@ -4,7 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <initializer_list>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -29,18 +29,23 @@ class DataRuns : public ::testing::Test {
   explicit DataRuns(std::size_t count = 12) : tracks_(count), titles_(count) {
     tree_.setTrackTable(table_);
     for (std::size_t i = 0; i < count; ++i) {
-      titles_[i] = "t" + std::to_string(i + 1);
+      titles_[i] = titleOf(i + 1);
       tracks_[i].setTitle(titles_[i]);
       tracks_[i].setMediaId(static_cast<std::uint32_t>(1000 + i));
       table_.push_back(&tracks_[i]);
     }
   }
 
+  static std::string titleOf(std::size_t number) {
+    std::string title(1, 't');
+    return title += std::to_string(number);
+  }
+
   MenuNode& addMenu(const std::vector<std::uint32_t>& numbers) {
     MenuNode& menu = tree_.getRoot()->appendChild([](MenuNode&) {});
     for (const std::uint32_t number : numbers) {
       menu.appendLeaf(table_, number);
-      leafNames_.push_back("t" + std::to_string(number));
+      leafNames_.push_back(titleOf(number));
     }
     return menu;
   }
@@ -108,6 +113,32 @@ TEST_F(DataRuns, EndWhereATrackIsSearchedFor) {
               ElementsAre("root", "", "t1", "t2", "t3", "t4", "t5", "t6", "t7", "t9", "t10"));
 }
 
+TEST_F(DataRuns, CountUpWhereAllTracksAreNew) {
+  MenuNode& first = addMenu({1, 2, 3, 4});
+  MenuNode& second = addMenu({5, 6, 7, 8, 1});
+  DataRecordIndex index(tree_);
+  TreeTable treeTable;
+  DataTable dataTable;
+  dataTable.appendLeaf(tree_.root());
+  layoutChildren(&first, treeTable, dataTable, index);
+  layoutChildren(&second, treeTable, dataTable, index);
+  ASSERT_EQ(treeTable.runs().size(), 2U);
+  EXPECT_EQ(treeTable.runs()[0].first, 1U);
+  EXPECT_EQ(treeTable.runs()[1].first, TreeTable::kNotCounted);
+}
+
+TEST_F(DataRuns, OfTracksSearchedForAreCounted) {
+  tracks_[2].setMediaId(77);
+  MenuNode& menu = addMenu({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11});
+  menu.setMediaId(77);
+  DataRecordIndex index(tree_);
+  TreeTable treeTable;
+  DataTable dataTable;
+  dataTable.appendLeaf(tree_.root());
+  layoutChildren(tree_.getRoot(), treeTable, dataTable, index);
+  EXPECT_EQ(index.tracksWithoutRecord, 1U);
+}
+
 TEST_F(DataRuns, AreEnteredWhenAllIsLaidOut) {
   addMenu({2, 1, 4, 3, 5});
   addMenu({7, 6});
@@ -123,21 +154,46 @@ TEST_F(DataRuns, AreEnteredWhenAllIsLaidOut) {
 
 class ManyDataRuns : public DataRuns {
  protected:
-  ManyDataRuns() : DataRuns(20'000) {}
+  static constexpr std::uint32_t kTracks = 220'000;
+  ManyDataRuns() : DataRuns(kTracks) {}
 };
+
+// Steps in which runs are entered begin and end at multiples of some thousands.
+TEST_F(ManyDataRuns, AreEnteredWhereverTheyBeginAndEnd) {
+  for (const std::size_t before : {1U, 4'095U, 4'096U, 4'097U, 8'190U, 8'191U, 8'192U}) {
+    for (const std::size_t size : {4U, 5U, 4'095U, 4'096U, 4'097U, 9'000U}) {
+      SCOPED_TRACE(::testing::Message() << size << " behind " << before);
+      std::vector<std::uint32_t> numbers(size);
+      std::iota(numbers.rbegin(), numbers.rend(), 1U);
+      DataTable dataTable;
+      for (std::size_t i = 0; i < before; ++i) dataTable.appendLeaf(tree_.root());
+      dataTable.appendLeaves(numbers);
+      DataRecordIndex index(tree_);
+      index.endSearch(dataTable);
+      for (std::size_t i = 0; i < size; ++i) {
+        ASSERT_EQ(index.records[numbers[i]], before + i);
+      }
+      ASSERT_EQ(index.records[size + 1], 0U);
+    }
+  }
+}
 
 // Enough of them for several threads.
 TEST_F(ManyDataRuns, KeepTheirOrder) {
   auto random = seededRandom(77);
+  std::uint32_t number = 0;
   for (int i = 0; i < 300; ++i) {
-    std::vector<std::uint32_t> numbers(random() % (i % 50 == 0 ? 30'000 : 500));
-    std::uint32_t number = 0;
+    std::vector<std::uint32_t> numbers(random() % (i % 30 == 0 ? 20'000 : 500));
     for (std::uint32_t& each : numbers) {
-      number = (random() % 20 == 0 ? static_cast<std::uint32_t>(random()) : number + 1) % 20'000;
+      if (random() % 20'000 == 0) number = static_cast<std::uint32_t>(random()) % kTracks;
+      number = (number + 1) % kTracks;
       each = number + 1;
     }
     addMenu(numbers);
   }
+  std::vector<std::uint32_t> all(kTracks);
+  std::iota(all.begin(), all.end(), 1U);
+  addMenu(all);
   expectLeafNames();
 }
 

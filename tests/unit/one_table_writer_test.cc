@@ -165,6 +165,16 @@ TEST(OneTableWriter, TakesNoNoticeOfAFailedOpen) {
   EXPECT_EQ(buffer.content.size(), 112U);
 }
 
+TEST(OneTableWriter, TakesNoNoticeOfWhatAWriteReturns) {
+  MenuTree tree;
+  addMedia(*tree.getRoot(), 1, "song");
+  RecordingBuffer buffer;
+  buffer.accepts = false;
+  EXPECT_TRUE(writeOneTable(tree, buffer));
+  EXPECT_EQ(buffer.calls.size(), 6U);
+  EXPECT_EQ(buffer.content.size(), 192U);
+}
+
 TEST(OneTableWriter, FailedWritePassesThrough) {
   const MenuTree tree;
   for (std::size_t write = 0; write < 3; ++write) {

@@ -10,12 +10,14 @@
 namespace Orvane::test {
 
 // A Buffer that keeps what is written and logs every call: "openForWrite", "write 16", "close" and
-// so on. It can be made to refuse the open, or to fail one of the writes as a DiskBuffer does.
+// so on. It can be made to refuse the open, to fail one of the writes as a DiskBuffer does, or to
+// say of each that it has failed.
 class RecordingBuffer : public Buffer {
  public:
   std::vector<std::string> calls;
   std::string content;
   bool opens = true;
+  bool accepts = true;
   std::size_t failingWrite = static_cast<std::size_t>(-1);  // counted from 0
 
   bool openForWrite() override {
@@ -30,7 +32,7 @@ class RecordingBuffer : public Buffer {
     calls.push_back("write " + std::to_string(length));
     if (writes_++ == failingWrite) throw OVWriteError("no more");
     content.append(data, static_cast<std::size_t>(length));
-    return true;
+    return accepts;
   }
 
   bool openForRead() override { return note("openForRead"); }

@@ -108,6 +108,18 @@ TEST_F(TwoTableWriter, RefusedOpenIsNotLookedAt) {
                                         "write 12", "write 72", "close"));
 }
 
+// Failures are thrown, not returned.
+TEST_F(TwoTableWriter, WhatAWriteReturnsIsNotLookedAt) {
+  addMedia(addMenu(root_, 5, "A"), 17, "B");
+  RecordingBuffer expected;
+  writeTwoTable(tree_, expected);
+  RecordingBuffer buffer;
+  buffer.accepts = false;
+  EXPECT_TRUE(writeTwoTable(tree_, buffer));
+  EXPECT_EQ(buffer.calls, expected.calls);
+  EXPECT_EQ(buffer.content, expected.content);
+}
+
 TEST_F(TwoTableWriter, FailedWritePassesThroughAndLeavesNothingBehind) {
   addMedia(addMenu(root_, 5, "A"), 17, "B");
   for (std::size_t failing = 0; failing < 9; ++failing) {
