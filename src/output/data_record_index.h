@@ -29,7 +29,7 @@ struct DataRecordIndex {
   // tracks that are in runs there, and forgets what only finds records for further children.
   void endSearch(const DataTable& dataTable);
 
-  // Finds the link of a record in the data table by its name and id.
+  // Finds the number of a child in the data table by its name and id.
   PositionIndex byNameAndId;
 
   // Of each track, by its number, the data record that its leaves share. As long as it has none: 0,

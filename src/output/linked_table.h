@@ -13,10 +13,9 @@ namespace Orvane {
 template <typename Record>
 class LinkedTableReader;
 
-// A table of records, in record order. Most are those of media leaves and link to nothing: of these
-// only the rest is kept, and of leaves that are numbers of tracks nothing but where those numbers
-// are. The others are kept whole, and have links by which they can be reached. A LinkedTableReader
-// gives the records back.
+// A table of records with links, in record order. Most records are those of media leaves and link
+// to nothing: of these only the rest is kept, and of leaves that are numbers of tracks nothing but
+// where those numbers are. A LinkedTableReader gives the records back.
 //
 // A Record has a type Leaf for what a leaf's record is made from, a static ofLeaf(Leaf) that makes
 // it, and, where setFirstChild() is used, a firstChildIndex.
@@ -25,7 +24,7 @@ class LinkedTable {
  public:
   using Leaf = typename Record::Leaf;
 
-  // Where a record is that was kept whole. Good for the table that gave it.
+  // Where a record is to be linked to its children. Good for the table that gave it.
   using Link = std::uint32_t;
   static constexpr Link kNeverLinked = 0xFFFFFFFF;
 
@@ -56,25 +55,21 @@ class LinkedTable {
     appendRun(tracks, first);
   }
 
-  // Appends a record that is to be kept whole.
+  // Appends a record that is yet to be linked.
   Link append(const Record& record) {
     const std::uint32_t sizeAfter = sizeWith(1);
-    const Link link = nextLink();
     linked_.push_back({size_, record});
     size_ = sizeAfter;
-    return link;
+    return static_cast<Link>(linked_.size() - 1);
   }
 
   void setFirstChild(Link link, std::uint32_t index) {
     linked_[link].record.firstChildIndex = index;
   }
 
-  // The link that append() gives next.
-  Link nextLink() const { return static_cast<Link>(linked_.size()); }
-
-  // The record with that link, and its place in the table.
-  const Record& linkedRecord(Link link) const { return linked_[link].record; }
-  std::uint32_t positionOf(Link link) const { return linked_[link].position; }
+  // The leaves that were appended one by one.
+  std::uint32_t leafCount() const { return static_cast<std::uint32_t>(leaves_.size()); }
+  Leaf leafAt(std::uint32_t number) const { return leaves_[number]; }
 
   // Leaves whose tracks' numbers stand one after the other.
   struct Run {

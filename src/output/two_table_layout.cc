@@ -118,23 +118,23 @@ class TwoTables {
     } else {
       for (const std::uint32_t track : tracks) {
         idMap_.records[track] = dataTable_.size();
-        dataTable_.appendLeaf(Child::ofTrack(track));
+        dataTable_.add(Child::ofTrack(track));
       }
     }
     idMap_.tracksWithoutRecord -= tracks.size();
   }
 
   std::uint32_t findOrAdd(Child child, std::uint32_t hash) {
-    const DataTable::Link next = dataTable_.nextLink();
-    const DataTable::Link link =
-        idMap_.byNameAndId.findOrInsert(hash, next, [&](DataTable::Link candidate) {
+    const std::uint32_t next = dataTable_.childCount();
+    const std::uint32_t found =
+        idMap_.byNameAndId.findOrInsert(hash, next, [&](std::uint32_t candidate) {
           const MenuNode& node = view_(child);
-          const MenuNode& other = candidateView_(dataTable_.linkedRecord(candidate).child);
+          const MenuNode& other = candidateView_(dataTable_.childAt(candidate));
           return other.getMediaId() == node.getMediaId() &&
                  DataRecordIndex::comparedName(other) == DataRecordIndex::comparedName(node);
         });
-    if (link == next) dataTable_.append({child});
-    return dataTable_.positionOf(link);
+    if (found == next) dataTable_.add(child);
+    return dataTable_.recordOf(found);
   }
 
   ChildView view_;

@@ -61,7 +61,7 @@ TEST_F(TracksInATree, AreCountedUntilTheyHaveARecord) {
   EXPECT_EQ(index.tracksWithoutRecord, 3U);
   TreeTable treeTable;
   DataTable dataTable;
-  dataTable.appendLeaf(tree_.root());
+  dataTable.add(tree_.root());
   layoutChildren(&two, treeTable, dataTable, index);
   EXPECT_EQ(index.tracksWithoutRecord, 1U);
   EXPECT_THAT(index.records, ElementsAre(0U, 2U, 0U, 1U));
@@ -78,7 +78,7 @@ TEST_F(TracksInATree, KeepTheirRecordsWhenTheSearchEnds) {
   DataRecordIndex index(tree_);
   TreeTable treeTable;
   DataTable dataTable;
-  dataTable.appendLeaf(tree_.root());
+  dataTable.add(tree_.root());
   layoutChildren(tree_.getRoot(), treeTable, dataTable, index);
   index.endSearch(dataTable);
   EXPECT_EQ(index.hashes.capacity(), 0U);

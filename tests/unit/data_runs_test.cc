@@ -119,7 +119,7 @@ TEST_F(DataRuns, CountUpWhereAllTracksAreNew) {
   DataRecordIndex index(tree_);
   TreeTable treeTable;
   DataTable dataTable;
-  dataTable.appendLeaf(tree_.root());
+  dataTable.add(tree_.root());
   layoutChildren(&first, treeTable, dataTable, index);
   layoutChildren(&second, treeTable, dataTable, index);
   ASSERT_EQ(treeTable.runs().size(), 2U);
@@ -134,7 +134,7 @@ TEST_F(DataRuns, OfTracksSearchedForAreCounted) {
   DataRecordIndex index(tree_);
   TreeTable treeTable;
   DataTable dataTable;
-  dataTable.appendLeaf(tree_.root());
+  dataTable.add(tree_.root());
   layoutChildren(tree_.getRoot(), treeTable, dataTable, index);
   EXPECT_EQ(index.tracksWithoutRecord, 1U);
 }
@@ -145,7 +145,7 @@ TEST_F(DataRuns, AreEnteredWhenAllIsLaidOut) {
   DataRecordIndex index(tree_);
   TreeTable treeTable;
   DataTable dataTable;
-  dataTable.appendLeaf(tree_.root());
+  dataTable.add(tree_.root());
   layoutChildren(tree_.getRoot(), treeTable, dataTable, index);
   EXPECT_EQ(index.tracksWithoutRecord, 5U);
   index.endSearch(dataTable);
@@ -166,7 +166,7 @@ TEST_F(ManyDataRuns, AreEnteredWhereverTheyBeginAndEnd) {
       std::vector<std::uint32_t> numbers(size);
       std::iota(numbers.rbegin(), numbers.rend(), 1U);
       DataTable dataTable;
-      for (std::size_t i = 0; i < before; ++i) dataTable.appendLeaf(tree_.root());
+      for (std::size_t i = 0; i < before; ++i) dataTable.add(tree_.root());
       dataTable.appendLeaves(numbers);
       DataRecordIndex index(tree_);
       index.endSearch(dataTable);
