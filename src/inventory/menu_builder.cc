@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "inventory/album_runs.h"
 #include "inventory/append_menu.h"
 #include "inventory/artist_albums.h"
 #include "tree/huge_pages.h"
@@ -115,24 +116,25 @@ void addArtistsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& categ
 void addAlbumsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& category) {
   const TrackIndex& index = manager.getIndex();
   const LeafMaker leaves(index, tree);
+  AlbumRuns runs;
   std::vector<MenuNode*> albums;
   PositionIndex albumIndex;
-  MenuNode* album = nullptr;
+  std::uint32_t album = 0;
   forEachRun(
       index, index.getAlbums(), tree, &Track::getAlbumId,
       [&](const Track& track) {
         const std::string_view name = MenuNode::storedForm(track.getAlbumName());
         const auto next = static_cast<std::uint32_t>(albums.size());
-        const std::uint32_t found = albumIndex.findOrInsert(
+        album = albumIndex.findOrInsert(
             hashNameAndId(name, track.getAlbumId()), next, [&](std::uint32_t candidate) {
               return albums[candidate]->getMediaId() == track.getAlbumId() &&
                      albums[candidate]->getName() == name;
             });
-        if (found == next) albums.push_back(&appendAlbum(category, track));
-        album = albums[found];
+        if (album == next) albums.push_back(&appendAlbum(category, track));
       },
-      [](const Track&) {},
-      [&](std::span<TrackIndex::Number> numbers) { leaves.append(*album, numbers); });
+      [&](std::span<TrackIndex::Number> numbers) { runs.add(album, numbers); });
+  runs.join();
+  for (std::uint32_t i = 0; i < albums.size(); ++i) leaves.append(*albums[i], runs.of(i));
 }
 
 void addSongsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& category) {

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "tree/huge_pages.h"
+
+namespace Orvane {
+
+// The tracks' numbers of albums, which come in runs. Where an album has several, they are put
+// together before they become leaves: to append them to its menu one by one would take several
+// looks all over the memory for each.
+class AlbumRuns {
+ public:
+  // Adds a run to an album's. Albums are numbered from 0 on in the order of their first runs, and
+  // no run is empty. `numbers` stand right behind those of the run before, and must outlive this.
+  void add(std::uint32_t album, std::span<std::uint32_t> numbers);
+
+  // Puts the runs of each album together, by putting the numbers in another order where they are.
+  // To be called once, when all have been added.
+  void join();
+
+  // Once they have been joined, the numbers of an album, in the order in which they were added.
+  std::span<std::uint32_t> of(std::uint32_t album) const {
+    return {numbers_ + begins_[album], begins_[album + 1] - begins_[album]};
+  }
+
+ private:
+  struct Run {
+    std::uint32_t album;
+    std::uint32_t size;
+  };
+
+  void joinGroup(std::span<const Run> runs, std::size_t begin, std::size_t end);
+
+  std::uint32_t* numbers_ = nullptr;  // of all runs
+  LargeVector<Run> runs_;
+  LargeVector<std::size_t> begins_ = LargeVector<std::size_t>(1);  // of each album's, and their end
+  LargeVector<std::size_t> places_;           // of each album, where its next number goes
+  LargeVector<std::uint32_t> numbersBefore_;  // of a group
+};
+
+}  // namespace Orvane
