@@ -14,7 +14,8 @@ namespace Orvane {
 class AlbumRuns {
  public:
   // Adds a run to an album's. Albums are numbered from 0 on in the order of their first runs, and
-  // no run is empty. `numbers` stand right behind those of the run before, and must outlive this.
+  // no run is empty. `numbers`, fewer than 2^32 in all, stand right behind those of the run before,
+  // and must outlive this.
   void add(std::uint32_t album, std::span<std::uint32_t> numbers);
 
   // Puts the runs of each album together, by putting the numbers in another order where they are.
@@ -32,13 +33,15 @@ class AlbumRuns {
     std::uint32_t size;
   };
 
-  void joinGroup(std::span<const Run> runs, std::size_t begin, std::size_t end);
+  void joinGroup(std::span<const Run> runs, std::uint32_t lastAlbum);
 
   std::uint32_t* numbers_ = nullptr;  // of all runs
   LargeVector<Run> runs_;
-  LargeVector<std::size_t> begins_ = LargeVector<std::size_t>(1);  // of each album's, and their end
-  LargeVector<std::size_t> places_;           // of each album, where its next number goes
-  LargeVector<std::uint32_t> numbersBefore_;  // of a group
+  // Of each album's among all, and their end.
+  LargeVector<std::uint32_t> begins_ = LargeVector<std::uint32_t>(1);
+  // Of a group that is joined: its numbers, and of each album where the next one goes.
+  LargeVector<std::uint32_t> numbersBefore_;
+  LargeVector<std::uint32_t> places_;
 };
 
 }  // namespace Orvane
