@@ -1,6 +1,7 @@
 #include "inventory/album_runs.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <numeric>
 
 namespace Orvane {

@@ -24,21 +24,21 @@ class ByteScan {
     const std::size_t size = std::min(text.size(), kMostPlaces);
     std::uint64_t places = 0;
     std::size_t at = 0;
-    for (; size - at >= sizeof(std::uint64_t); at += sizeof(std::uint64_t)) {
-      places |= placesIn(wordAt(text.data() + at, sizeof(std::uint64_t))) << at;
+    for (; size - at >= kWordSize; at += kWordSize) {
+      places |= placesIn(wordAt(text.data() + at, kWordSize)) << at;
     }
     const std::size_t left = size - at;
     if (left == 0) return places;
     // Of a word that ends where the text does, its last bytes.
     const std::uint64_t last =
-        size > left ? wordAt(text.data() + size - sizeof(std::uint64_t), sizeof(std::uint64_t)) >>
-                          8 * (sizeof(std::uint64_t) - left)
+        size > left ? wordAt(text.data() + size - kWordSize, kWordSize) >> 8 * (kWordSize - left)
                     : wordAt(text.data(), left);
     const std::uint64_t ofLast = placesIn(last) & ((std::uint64_t{1} << left) - 1);
     return places | ofLast << at;
   }
 
  private:
+  static constexpr std::size_t kWordSize = sizeof(std::uint64_t);
   static constexpr std::uint64_t kEachByte = 0x0101010101010101;
   static constexpr std::uint64_t kLowBits = 0x7F * kEachByte;
 

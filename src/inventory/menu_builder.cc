@@ -48,7 +48,7 @@ class LeafMaker {
 
 // Goes through the tracks of a category's entries, in order, and the runs of equal ids in them:
 // calls `start` with the first track of each run, `add` with each track, and `finish` with the
-// numbers of the run, which the tree keeps.
+// numbers of the run, which the tree keeps right behind those of the run before.
 template <typename Start, typename Add, typename Finish>
 void forEachRun(const TrackIndex& index, const CategoryIndex& category, MenuTree& tree,
                 std::uint32_t (Track::*idOf)() const, Start start, Add add, Finish finish) {

@@ -43,9 +43,9 @@ class Buffer {
   // Raw writing: puts out the first `length` bytes of the block.
   virtual bool commitBlock(int length) = 0;
 
-  // The same as `count` calls of write() with pieces of `length` bytes, which stand one right
-  // behind the other, whatever these return. True when all did. Who overrides one of the two
-  // overrides the other, if write() needn't be called for it.
+  // Writes `count` pieces of `length` bytes, which stand one right behind the other: calls write()
+  // with each, whatever the calls before returned. True when all returned true. Where a derived
+  // class does it without write(), whatever derives from that and overrides one overrides both.
   virtual bool writeEach(const char* data, int length, std::size_t count);
 
  protected:

@@ -65,6 +65,17 @@ class DataRuns : public ::testing::Test {
                 ElementsAreArray(leafNames_));
   }
 
+  // Tables in which menus are laid out behind the root's record.
+  struct Layout {
+    explicit Layout(const MenuTree& tree) : index(tree) { dataTable.add(tree.root()); }
+
+    void add(const MenuNode& menu) { layoutChildren(&menu, treeTable, dataTable, index); }
+
+    DataRecordIndex index;
+    TreeTable treeTable;
+    DataTable dataTable;
+  };
+
   std::vector<Track> tracks_;
   std::vector<std::string> titles_;
   TrackTable table_;
@@ -116,40 +127,32 @@ TEST_F(DataRuns, EndWhereATrackIsSearchedFor) {
 TEST_F(DataRuns, CountUpWhereAllTracksAreNew) {
   MenuNode& first = addMenu({1, 2, 3, 4});
   MenuNode& second = addMenu({5, 6, 7, 8, 1});
-  DataRecordIndex index(tree_);
-  TreeTable treeTable;
-  DataTable dataTable;
-  dataTable.add(tree_.root());
-  layoutChildren(&first, treeTable, dataTable, index);
-  layoutChildren(&second, treeTable, dataTable, index);
-  ASSERT_EQ(treeTable.runs().size(), 2U);
-  EXPECT_EQ(treeTable.runs()[0].first, 1U);
-  EXPECT_EQ(treeTable.runs()[1].first, TreeTable::kNotCounted);
+  Layout layout(tree_);
+  layout.add(first);
+  layout.add(second);
+  ASSERT_EQ(layout.treeTable.runs().size(), 2U);
+  EXPECT_EQ(layout.treeTable.runs()[0].first, 1U);
+  EXPECT_EQ(layout.treeTable.runs()[1].first, TreeTable::kNotCounted);
 }
 
 TEST_F(DataRuns, OfTracksSearchedForAreCounted) {
   tracks_[2].setMediaId(77);
   MenuNode& menu = addMenu({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11});
   menu.setMediaId(77);
-  DataRecordIndex index(tree_);
-  TreeTable treeTable;
-  DataTable dataTable;
-  dataTable.add(tree_.root());
-  layoutChildren(tree_.getRoot(), treeTable, dataTable, index);
-  EXPECT_EQ(index.tracksWithoutRecord, 1U);
+  Layout layout(tree_);
+  layout.add(*tree_.getRoot());
+  EXPECT_EQ(layout.index.tracksWithoutRecord, 1U);
 }
 
 TEST_F(DataRuns, AreEnteredWhenAllIsLaidOut) {
   addMenu({2, 1, 4, 3, 5});
   addMenu({7, 6});
-  DataRecordIndex index(tree_);
-  TreeTable treeTable;
-  DataTable dataTable;
-  dataTable.add(tree_.root());
-  layoutChildren(tree_.getRoot(), treeTable, dataTable, index);
-  EXPECT_EQ(index.tracksWithoutRecord, 5U);
-  index.endSearch(dataTable);
-  EXPECT_THAT(index.records, ElementsAre(0U, 3U, 2U, 5U, 4U, 6U, 8U, 7U, 0U, 0U, 0U, 0U, 0U));
+  Layout layout(tree_);
+  layout.add(*tree_.getRoot());
+  EXPECT_EQ(layout.index.tracksWithoutRecord, 5U);
+  layout.index.endSearch(layout.dataTable);
+  EXPECT_THAT(layout.index.records,
+              ElementsAre(0U, 3U, 2U, 5U, 4U, 6U, 8U, 7U, 0U, 0U, 0U, 0U, 0U));
 }
 
 class ManyDataRuns : public DataRuns {
