@@ -22,7 +22,7 @@ void layoutTwoTables(benchmark::State& state) {
   while (state.KeepRunning()) {
     Orvane::TreeTable treeTable;
     Orvane::DataTable dataTable;
-    dataTable.add(sample.tree.root());
+    dataTable.appendLeaf(sample.tree.root());
     Orvane::DataRecordIndex idMap(sample.tree);
     Orvane::layoutChildren(sample.tree.getRoot(), treeTable, dataTable, idMap);
     benchmark::DoNotOptimize(treeTable.size());

@@ -4,11 +4,13 @@
 #include <atomic>
 #include <functional>
 #include <span>
+#include <string_view>
 #include <vector>
 
 #include "output/data_record.h"
 #include "output/recurring_ids.h"
 #include "tree/parallel.h"
+#include "tree/position_index.h"
 #include "tree/prefetch.h"
 
 namespace Orvane {
@@ -27,8 +29,8 @@ void forEachPart(const TrackTable& tracks,
                     });
 }
 
-// Nodes are met twice: what has the id of one has to look for the record to share. A menu's
-// children are all nodes or all numbers.
+// What has the id of a node has to look for the record to share, as if it had been met before. A
+// menu's children are all nodes or all numbers.
 void meetNodes(const MenuNode& top, RecurringIds& ids) {
   std::vector<const MenuNode*> menus = {&top};
   while (!menus.empty()) {
@@ -37,13 +39,18 @@ void meetNodes(const MenuNode& top, RecurringIds& ids) {
     if (menu.childCount() == 0 || !menu.childAt(0).isNode()) continue;
     const auto meet = [&](std::size_t i) {
       const MenuNode& node = *menu.childAt(i).node();
-      ids.meet(node.getMediaId());
-      ids.meet(node.getMediaId());
+      ids.meetOften(node.getMediaId());
       if (node.childCount() > 0) menus.push_back(&node);
     };
-    forEachPrefetched(menu.childCount(), meet,
-                      [&](std::size_t i) { prefetch(menu.childAt(i).node()); });
+    forEachPrefetched(
+        menu.childCount(), meet, [&](std::size_t i) { prefetch(menu.childAt(i).node()); },
+        [&](std::size_t i) { menu.childAt(i).node()->expectChildren(0); });
   }
+}
+
+std::string_view comparedName(const MenuNode& node) {
+  const std::string_view name = storedName(node);
+  return name.substr(0, name.find('\0'));
 }
 
 }  // namespace
@@ -106,13 +113,17 @@ void DataRecordIndex::endSearch(const DataTable& dataTable) {
       });
 }
 
-std::string_view DataRecordIndex::comparedName(const MenuNode& node) {
-  const std::string_view name = storedName(node);
-  return name.substr(0, name.find('\0'));
-}
-
 std::uint32_t DataRecordIndex::hashOf(const MenuNode& node) {
   return hashNameAndId(comparedName(node), node.getMediaId());
+}
+
+bool DataRecordIndex::areAlike(const MenuNode& a, const MenuNode& b) {
+  if (a.getMediaId() != b.getMediaId()) return false;
+  const std::string_view name = a.getName();
+  const std::string_view other = b.getName();
+  // Most nodes that are alike have their name from the same album or artist.
+  const bool isSame = name.data() == other.data() && name.size() == other.size();
+  return isSame || comparedName(a) == comparedName(b);
 }
 
 }  // namespace Orvane

@@ -2,13 +2,13 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string_view>
 
 #include "output/data_table.h"
 #include "output/track_set.h"
+#include "tree/child.h"
+#include "tree/hash_index.h"
 #include "tree/huge_pages.h"
 #include "tree/menu_tree.h"
-#include "tree/position_index.h"
 
 namespace Orvane {
 
@@ -19,18 +19,25 @@ struct DataRecordIndex {
   // record that it ought to share with leaves of tracks.
   explicit DataRecordIndex(const MenuTree& tree);
 
-  // What of a node's name is compared.
-  static std::string_view comparedName(const MenuNode& node);
-
   // The hash of a node's name and id.
   static std::uint32_t hashOf(const MenuNode& node);
+
+  // Whether two nodes have equal names and ids.
+  static bool areAlike(const MenuNode& a, const MenuNode& b);
 
   // To be called when all is laid out, with the table that it is laid out in: enters the records of
   // tracks that are in runs there, and forgets what only finds records for further children.
   void endSearch(const DataTable& dataTable);
 
-  // Finds the number of a child in the data table by its name and id.
-  PositionIndex byNameAndId;
+  // The data record of a name and an id.
+  struct Entry {
+    std::uint32_t hash = 0;
+    std::uint32_t record = 0;
+    Child child = Child(nullptr);  // that the record is filled from: has the name and the id
+
+    bool isFree() const { return child.isNode() && child.node() == nullptr; }
+  };
+  HashIndex<Entry> byNameAndId;
 
   // Of each track, by its number, the data record that its leaves share. As long as it has none: 0,
   // or, where something else in the tree has its id, kToBeSearched, and in `hashes`, which is empty

@@ -28,11 +28,8 @@ namespace Orvane {
 //   void setFirstChild(Link, std::uint32_t index);    links that record to its children
 //   bool isDeferred(const MenuNode& child) const;     see below
 //   void expect(MenuNode& child, int step);           asks for what append(child) looks at, in
-//                                                     three steps, each in time for the next: the
-//                                                     last is taken once for each of a node's
-//                                                     children that are nodes, in their order and
-//                                                     fewer than 32 before append, the others
-//                                                     before it, for some more than once
+//                                                     four steps, each in time for the next; some
+//                                                     may be taken several times, or not at all
 //   void expectLeaves(std::span<const std::uint32_t> tracks);
 //                                                     the same for appendLeaves(tracks)
 //
@@ -87,7 +84,8 @@ std::uint32_t layoutFamilies(const MenuNode& node, Table& table) {
     forEachPrefetched(
         parent.childCount(), append, [&](std::size_t i) { table.expect(child(i), 0); },
         [&](std::size_t i) { table.expect(child(i), 1); },
-        [&](std::size_t i) { table.expect(child(i), 2); });
+        [&](std::size_t i) { table.expect(child(i), 2); },
+        [&](std::size_t i) { table.expect(child(i), 3); });
     unfinished.push_back({first, toVisit.size(), kNone});
     expectFew(first);
     return base;
@@ -112,6 +110,7 @@ std::uint32_t layoutFamilies(const MenuNode& node, Table& table) {
     table.expectLeaves(next(4).trackNumbers());
     expectNodes(next(4), 0);
     expectNodes(next(2), 1);
+    expectNodes(next(1), 2);
   };
 
   const std::uint32_t result = appendFamily(node);

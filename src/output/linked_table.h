@@ -67,10 +67,6 @@ class LinkedTable {
     linked_[link].record.firstChildIndex = index;
   }
 
-  // The leaves that were appended one by one.
-  std::uint32_t leafCount() const { return static_cast<std::uint32_t>(leaves_.size()); }
-  Leaf leafAt(std::uint32_t number) const { return leaves_[number]; }
-
   // Leaves whose tracks' numbers stand one after the other.
   struct Run {
     const std::uint32_t* tracks;

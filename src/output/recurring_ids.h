@@ -28,6 +28,9 @@ class RecurringIds {
     }
   }
 
+  // The same as to meet it twice. Not while others meet ids.
+  void meetOften(std::uint32_t id) { words_[wordOf(id)] |= bitOf(id) | bitOf(id) << 1; }
+
   // Whether the id may have been met more than once. Not while others meet ids.
   bool mayRecur(std::uint32_t id) const { return (words_[wordOf(id)] & (bitOf(id) << 1)) != 0; }
 

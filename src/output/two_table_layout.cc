@@ -4,7 +4,9 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
+#include <tuple>
 
 #include "output/family_layout.h"
 #include "tree/child_view.h"
@@ -29,7 +31,7 @@ class TwoTables {
   std::uint32_t size() const { return treeTable_.size(); }
 
   Link append(MenuNode& node) {
-    TreeRecord record{.dataIndex = findOrAdd(Child(&node), takeExpectedHash())};
+    TreeRecord record{.dataIndex = findOrAdd(Child(&node), hashOf(node))};
     const bool isLeaf = node.getNodeType() == NODE_TYPE_MEDIA && node.childCount() == 0;
     if (isLeaf && !isDeferred(node)) return treeTable_.appendLeaf(record.dataIndex);
     fillTreeRecord(node, record);
@@ -60,10 +62,14 @@ class TwoTables {
   void expect(MenuNode& node, int step) {
     if (step < 2) {
       view_.expect(Child(&node), step);
-    } else {
-      const std::uint32_t hash = DataRecordIndex::hashOf(node);
+      if (step == 1) node.expectChildren(0);  // for their number
+    } else if (step == 2) {
+      const std::uint32_t hash = hashOf(node);
+      hashes_[placeOf(node)] = {&node, hash};
       idMap_.byNameAndId.expect(hash);
-      expectedHashes_[expected_++ % kMostExpected] = hash;
+    } else {
+      const Child shared = idMap_.byNameAndId.likely(hashOf(node)).child;
+      if (shared.isNode()) prefetch(shared.node());
     }
   }
 
@@ -75,10 +81,22 @@ class TwoTables {
 
  private:
   static constexpr std::size_t kFewLeaves = 64;
-  static constexpr std::size_t kMostExpected = 32;
 
-  // Nodes are laid out in the order in which they were expected.
-  std::uint32_t takeExpectedHash() { return expectedHashes_[taken_++ % kMostExpected]; }
+  // The hash of a node that was expected a while ago is mostly still known.
+  std::uint32_t hashOf(const MenuNode& node) const {
+    const Hashed& hashed = hashes_[placeOf(node)];
+    return hashed.node == &node ? hashed.hash : DataRecordIndex::hashOf(node);
+  }
+
+  struct Hashed {
+    const MenuNode* node = nullptr;
+    std::uint32_t hash = 0;
+  };
+  using Hashes = std::array<Hashed, 256>;
+
+  static std::size_t placeOf(const MenuNode& node) {
+    return std::hash<const MenuNode*>()(&node) / alignof(MenuNode) % std::tuple_size_v<Hashes>;
+  }
 
   void expectSearch(std::uint32_t track) const {
     if (idMap_.records[track] != DataRecordIndex::kToBeSearched) return;
@@ -118,23 +136,21 @@ class TwoTables {
     } else {
       for (const std::uint32_t track : tracks) {
         idMap_.records[track] = dataTable_.size();
-        dataTable_.add(Child::ofTrack(track));
+        dataTable_.appendLeaf(Child::ofTrack(track));
       }
     }
     idMap_.tracksWithoutRecord -= tracks.size();
   }
 
   std::uint32_t findOrAdd(Child child, std::uint32_t hash) {
-    const std::uint32_t next = dataTable_.childCount();
-    const std::uint32_t found =
-        idMap_.byNameAndId.findOrInsert(hash, next, [&](std::uint32_t candidate) {
-          const MenuNode& node = view_(child);
-          const MenuNode& other = candidateView_(dataTable_.childAt(candidate));
-          return other.getMediaId() == node.getMediaId() &&
-                 DataRecordIndex::comparedName(other) == DataRecordIndex::comparedName(node);
+    const std::uint32_t next = dataTable_.size();
+    using Entry = DataRecordIndex::Entry;
+    const Entry& found =
+        idMap_.byNameAndId.findOrInsert({hash, next, child}, [&](const Entry& entry) {
+          return DataRecordIndex::areAlike(view_(child), candidateView_(entry.child));
         });
-    if (found == next) dataTable_.add(child);
-    return dataTable_.recordOf(found);
+    if (found.record == next) dataTable_.appendLeaf(child);
+    return found.record;
   }
 
   ChildView view_;
@@ -142,9 +158,7 @@ class TwoTables {
   TreeTable& treeTable_;
   DataTable& dataTable_;
   DataRecordIndex& idMap_;
-  std::array<std::uint32_t, kMostExpected> expectedHashes_{};
-  std::size_t expected_ = 0;
-  std::size_t taken_ = 0;
+  Hashes hashes_;  // of nodes expected, each in a place that its address decides
 };
 
 }  // namespace

@@ -49,7 +49,7 @@ void putDataTable(const DataTable& dataTable, const TrackTable* tracks, RecordSi
     std::vector<DataSource> sources;
     std::vector<std::array<std::uint8_t, kDataRecordSize>> records;
   };
-  LinkedTableReader<DataSource> reader(dataTable.records());
+  LinkedTableReader<DataSource> reader(dataTable);
   sink.putBlocks<Block>(
       dataTable.size(),
       [&](Block& block) {
@@ -74,7 +74,7 @@ void putDataTable(const DataTable& dataTable, const TrackTable* tracks, RecordSi
 void layOut(const MenuTree& tree, TreeTable& treeTable, DataTable& dataTable,
             DataRecordIndex& idMap) {
   const MenuNode& root = *tree.getRoot();
-  dataTable.add(tree.root());
+  dataTable.appendLeaf(tree.root());
   TreeRecord rootRecord;
   fillTreeRecord(root, rootRecord);
   const TreeTable::Link rootLink = treeTable.append(rootRecord);
@@ -87,7 +87,7 @@ bool writeTwoTable(const MenuTree& tree, Buffer& buffer) {
   TreeTable treeTable;
   DataTable dataTable;
   DataRecordIndex idMap(tree);
-  dataTable.reserve(tree.nodeCountHint());
+  dataTable.reserve(tree.nodeCountHint(), 0);
   treeTable.reserve(tree.nodeCountHint(), tree.nodeCountHint());
   layOut(tree, treeTable, dataTable, idMap);
   idMap.endSearch(dataTable);

@@ -6,6 +6,8 @@
 
 #include <array>
 #include <cstdint>
+#include <string>
+#include <string_view>
 
 #include "output/two_table_layout.h"
 #include "tree/menu_tree.h"
@@ -31,6 +33,12 @@ class TracksInATree : public ::testing::Test {
     }
   }
 
+  // The record of whatever is known by that hash, which is 99 if nothing is.
+  std::uint32_t enterAnother(DataRecordIndex& index, std::uint32_t hash) const {
+    const auto asAny = [](const DataRecordIndex::Entry&) { return true; };
+    return index.byNameAndId.findOrInsert({hash, 99, tree_.root()}, asAny).record;
+  }
+
   MenuTree tree_;
   std::array<Track, 3> tracks_;
   TrackTable table_;
@@ -48,7 +56,8 @@ TEST_F(TracksInATree, OfIdsOfTheirOwnAreNotEnteredForOthersToFind) {
   DataTable dataTable;
   layoutChildren(&menu_, treeTable, dataTable, index);
   ASSERT_EQ(dataTable.size(), 3U);
-  EXPECT_EQ(index.byNameAndId.findOrInsert(0, 99, [](std::uint32_t) { return true; }), 99U);
+  EXPECT_TRUE(index.byNameAndId.likely(0).isFree());
+  EXPECT_EQ(enterAnother(index, 0), 99U);
 }
 
 // Once all tracks have their records, leaves of theirs aren't looked at any more.
@@ -61,7 +70,7 @@ TEST_F(TracksInATree, AreCountedUntilTheyHaveARecord) {
   EXPECT_EQ(index.tracksWithoutRecord, 3U);
   TreeTable treeTable;
   DataTable dataTable;
-  dataTable.add(tree_.root());
+  dataTable.appendLeaf(tree_.root());
   layoutChildren(&two, treeTable, dataTable, index);
   EXPECT_EQ(index.tracksWithoutRecord, 1U);
   EXPECT_THAT(index.records, ElementsAre(0U, 2U, 0U, 1U));
@@ -78,13 +87,11 @@ TEST_F(TracksInATree, KeepTheirRecordsWhenTheSearchEnds) {
   DataRecordIndex index(tree_);
   TreeTable treeTable;
   DataTable dataTable;
-  dataTable.add(tree_.root());
+  dataTable.appendLeaf(tree_.root());
   layoutChildren(tree_.getRoot(), treeTable, dataTable, index);
   index.endSearch(dataTable);
   EXPECT_EQ(index.hashes.capacity(), 0U);
-  EXPECT_EQ(index.byNameAndId.findOrInsert(DataRecordIndex::hashOf(menu_), 99,
-                                           [](std::uint32_t) { return true; }),
-            99U);
+  EXPECT_EQ(enterAnother(index, DataRecordIndex::hashOf(menu_)), 99U);
   EXPECT_THAT(index.records, ElementsAre(0U, 2U, 3U, 4U));
 }
 
@@ -99,6 +106,50 @@ TEST_F(TracksInATree, OfTheIdOfANodeAreLookedFor) {
   tree_.getRoot()->appendChild([](MenuNode& node) { node.setMediaId(12); });
   const DataRecordIndex index(tree_);
   EXPECT_THAT(index.records, ElementsAre(0U, 0U, kToBeSearched, 0U));
+}
+
+TEST(DataRecords, AreSharedByNodesOfOneIdWhoseNamesAgreeInWhatIsStored) {
+  constexpr std::string_view kLong =
+      "0123456789abcdef0123456789abcdef0123456789abcdef0123456789abcdefAnd more";
+  const auto areAlike = [](std::uint32_t id, std::string_view name, std::uint32_t otherId,
+                           std::string_view otherName) {
+    MenuNode node;
+    node.setMediaId(id);
+    node.setBorrowedName(name);
+    MenuNode other;
+    other.setMediaId(otherId);
+    other.setBorrowedName(otherName);
+    const bool result = DataRecordIndex::areAlike(node, other);
+    EXPECT_EQ(DataRecordIndex::areAlike(other, node), result);
+    EXPECT_TRUE(!result || DataRecordIndex::hashOf(node) == DataRecordIndex::hashOf(other));
+    return result;
+  };
+  const std::string copy(kLong);
+  EXPECT_TRUE(areAlike(1, kLong, 1, kLong));
+  EXPECT_TRUE(areAlike(1, kLong, 1, copy));
+  EXPECT_FALSE(areAlike(1, kLong, 2, kLong));
+  EXPECT_FALSE(areAlike(1, kLong.substr(0, 5), 1, kLong.substr(0, 4))) << "from one place";
+  EXPECT_FALSE(areAlike(1, "name", 1, "nama"));
+  EXPECT_TRUE(areAlike(1, {"a\0b", 3}, 1, {"a\0c", 3})) << "they end with a zero byte";
+  EXPECT_TRUE(areAlike(1, {"a\0b", 3}, 1, "a"));
+  EXPECT_FALSE(areAlike(1, {"a\0b", 3}, 1, "ab"));
+  EXPECT_TRUE(areAlike(0, "", 0, ""));
+}
+
+// Names that grow beyond 64 bytes in front of what was there.
+TEST(DataRecords, AreSharedByNodesWhoseNamesDifferBehindWhatIsStored) {
+  MenuNode node;
+  node.setName("12345");
+  MenuNode other;
+  other.setName("12346");
+  for (MenuNode* const each : {&node, &other}) each->setName(std::string(70, 'x'));
+  ASSERT_NE(node.getName(), other.getName());
+  EXPECT_FALSE(DataRecordIndex::areAlike(node, MenuNode()));
+  EXPECT_TRUE(DataRecordIndex::areAlike(node, other)) << "62 bytes and 12";
+  MenuNode third;
+  third.setName("1x345");
+  third.setName(std::string(70, 'x'));
+  EXPECT_FALSE(DataRecordIndex::areAlike(node, third)) << "the 64th byte differs";
 }
 
 }  // namespace

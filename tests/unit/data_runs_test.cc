@@ -67,7 +67,7 @@ class DataRuns : public ::testing::Test {
 
   // Tables in which menus are laid out behind the root's record.
   struct Layout {
-    explicit Layout(const MenuTree& tree) : index(tree) { dataTable.add(tree.root()); }
+    explicit Layout(const MenuTree& tree) : index(tree) { dataTable.appendLeaf(tree.root()); }
 
     void add(const MenuNode& menu) { layoutChildren(&menu, treeTable, dataTable, index); }
 
@@ -169,7 +169,7 @@ TEST_F(ManyDataRuns, AreEnteredWhereverTheyBeginAndEnd) {
       std::vector<std::uint32_t> numbers(size);
       std::iota(numbers.rbegin(), numbers.rend(), 1U);
       DataTable dataTable;
-      for (std::size_t i = 0; i < before; ++i) dataTable.add(tree_.root());
+      for (std::size_t i = 0; i < before; ++i) dataTable.appendLeaf(tree_.root());
       dataTable.appendLeaves(numbers);
       DataRecordIndex index(tree_);
       index.endSearch(dataTable);

@@ -39,7 +39,7 @@ TEST_F(LayoutMemory, LeavesOfTwoTablesTakeTheirPlacesOnly) {
   DataTable dataTable;
   DataRecordIndex index(tree_);
   treeTable.reserve(kLeaves, 0);
-  dataTable.reserve(kLeaves);
+  dataTable.reserve(kLeaves, 0);
   index.byNameAndId.reserve(kLeaves);
   const LimitedAllocations limited(kOfTheLayoutItself);
   EXPECT_EQ(layoutChildren(&root_, treeTable, dataTable, index), 0U);

@@ -119,15 +119,12 @@ TEST_F(LinkedTables, LeavesThatCountUpAreNotAskedFor) {
   }
 }
 
-TEST_F(LinkedTables, TellTheirLeavesAndRuns) {
+TEST_F(LinkedTables, TellTheirRuns) {
   const std::array<std::uint32_t, 3> tracks = {8, 1, 2};
   table_.appendLeaf(5);
   table_.append({7});
   table_.appendLeaves(tracks);
   table_.appendLeaf(9);
-  ASSERT_EQ(table_.leafCount(), 2U);
-  EXPECT_EQ(table_.leafAt(0), 5U);
-  EXPECT_EQ(table_.leafAt(1), 9U);
   ASSERT_EQ(table_.runs().size(), 1U);
   EXPECT_EQ(table_.runs()[0].tracks, tracks.data());
   EXPECT_EQ(table_.runs()[0].begin, 2U);

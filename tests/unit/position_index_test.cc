@@ -50,17 +50,6 @@ TEST(PositionIndex, TellsKeysOfOneHashApart) {
   }
 }
 
-TEST(PositionIndex, AsksOnlyWhereTheHashIsTheSame) {
-  PositionIndex index;
-  for (std::uint32_t i = 0; i < 40; ++i) {
-    const std::uint32_t position = index.findOrInsert(i << 16, i, [](std::uint32_t) {
-      ADD_FAILURE() << "a key with another hash was compared";
-      return false;
-    });
-    EXPECT_EQ(position, i);
-  }
-}
-
 TEST(PositionIndex, ForgetsAllWhenCleared) {
   PositionIndex index;
   const auto asAny = [](std::uint32_t) { return true; };

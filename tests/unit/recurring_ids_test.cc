@@ -59,6 +59,18 @@ TEST(RecurringIds, ThreadsMeetTheSameIds) {
   EXPECT_EQ(recurring, kCount);
 }
 
+TEST(RecurringIds, RecurOnceTheyAreMetOften) {
+  RecurringIds ids(100);
+  ids.meet(7);
+  ids.meetOften(7);
+  ids.meetOften(8);
+  EXPECT_TRUE(ids.mayRecur(7));
+  EXPECT_TRUE(ids.mayRecur(8));
+  ids.meet(9);
+  EXPECT_FALSE(ids.mayRecur(9));
+  EXPECT_FALSE(ids.mayRecur(6));
+}
+
 TEST(RecurringIds, HasRoomForMoreThanExpected) {
   RecurringIds ids(0);
   EXPECT_FALSE(ids.mayRecur(5));

@@ -343,7 +343,7 @@ TEST_F(TwoTableLayout, LayoutChildrenContinuesTablesThatAreNotEmpty) {
   TreeTable treeTable;
   for (int i = 0; i < 3; ++i) treeTable.appendLeaf(0);
   DataTable dataTable;
-  for (int i = 0; i < 2; ++i) dataTable.add(Child(&root_));
+  for (int i = 0; i < 2; ++i) dataTable.appendLeaf(Child(&root_));
   DataRecordIndex idMap(tree_);
   EXPECT_EQ(layoutChildren(nullptr, treeTable, dataTable, idMap), kNone);
   EXPECT_EQ(layoutChildren(&root_, treeTable, dataTable, idMap), 3U) << "no children yet";
