@@ -19,35 +19,21 @@ bool CategoryIndex::orders(std::uint32_t a, std::uint32_t b) const {
   return one.folded() < other.folded();
 }
 
-std::uint32_t CategoryIndex::positionOf(std::uint32_t id) const {
-  Found& found = found_[id % found_.size()];
-  if (found.id != id || found.position == kUnknown) {
-    const std::uint32_t* const position = nameById_.find(id);
-    found = {id, position == nullptr ? kUnknown : *position};
-  }
-  return found.position;
-}
-
-std::uint32_t CategoryIndex::enterId(std::uint32_t id) {
-  std::uint32_t position = positionOf(id);
-  if (position == kUnknown) {
-    position = static_cast<std::uint32_t>(named_.size());
-    names_.resize(position + 1);  // which has that many where there was no memory for what follows
-    names_[position].id = id;
-    named_.push_back(nullptr);
-    nameById_.enter(id, position);
-  }
-  return position;
+CategoryIndex::Id& CategoryIndex::enterId(std::uint32_t id) {
+  if (Id* const known = ids_.find(id, hintOf(id))) return *known;
+  const auto position = static_cast<std::uint32_t>(ids_.size());
+  names_.resize(position + 1);  // which has that many where there was no memory for what follows
+  names_[position].id = id;
+  return ids_.enter({id, position, nullptr});
 }
 
 // Tracks that have the same name share what it is in: then there is nothing to be looked at.
-void CategoryIndex::rename(std::uint32_t position, const NamedId& entry) {
-  const NamedId*& named = named_[position];
-  if (named == &entry) return;
-  const bool isNew = named == nullptr;
-  if (isNew || named->name() != entry.name()) {
+void CategoryIndex::rename(Id& known, const NamedId& entry) {
+  if (known.named == &entry) return;
+  const bool isNew = known.named == nullptr;
+  if (isNew || known.named->name() != entry.name()) {
     const std::string folded = foldName(entry.name());
-    Name& name = names_[position];
+    Name& name = names_[known.position];
     if (isNew || folded != name.folded()) {
       if (!isNew) placeEntries();
       name.foldedBytes = foldedNames_.keep(folded).data();
@@ -55,7 +41,7 @@ void CategoryIndex::rename(std::uint32_t position, const NamedId& entry) {
       name.firstBytes = nameBytesAt(folded, 0);
     }
   }
-  named = &entry;
+  known.named = &entry;
 }
 
 void CategoryIndex::placeEntries() {
@@ -77,13 +63,13 @@ void CategoryIndex::add(std::uint32_t position, std::uint32_t track) {
 }
 
 void CategoryIndex::insert(const NamedId& entry, std::uint32_t track) {
-  const std::uint32_t position = enterId(entry.id());
-  rename(position, entry);
-  add(position, track);
+  Id& known = enterId(entry.id());
+  rename(known, entry);
+  add(known.position, track);
 }
 
 void CategoryIndex::insert(std::uint32_t id, std::uint32_t track) {
-  const std::uint32_t position = enterId(id);
+  const std::uint32_t position = enterId(id).position;
   Name& name = names_[position];
   if (name.size == 0) {
     const std::array<char, 4> bytes = {static_cast<char>(id >> 24), static_cast<char>(id >> 16),
@@ -93,11 +79,6 @@ void CategoryIndex::insert(std::uint32_t id, std::uint32_t track) {
     name.firstBytes = nameBytesAt(name.folded(), 0);
   }
   add(position, track);
-}
-
-const NamedId* CategoryIndex::find(std::uint32_t id) const {
-  const std::uint32_t position = positionOf(id);
-  return position == kUnknown ? nullptr : named_[position];
 }
 
 LargeVector<std::uint32_t> CategoryIndex::tracksInOrder() const {
@@ -138,12 +119,12 @@ std::vector<std::uint32_t> CategoryIndex::tracksOf(std::uint32_t id) const {
 void CategoryIndex::eraseTracks(std::span<const std::uint32_t> tracks) {
   placeEntries();
   std::vector<Placed::iterator> places(tracks.size(), placed_->end());
-  IdMap<std::uint32_t, 0xFFFFFFFF> placeOf;
+  IdMap<IdEntry<std::uint32_t, 0xFFFFFFFF>> placeOf;
   for (std::size_t i = 0; i < tracks.size(); ++i) {
-    placeOf.enter(tracks[i], static_cast<std::uint32_t>(i));
+    placeOf.enter({tracks[i], static_cast<std::uint32_t>(i)});
   }
   for (auto entry = placed_->begin(); entry != placed_->end(); ++entry) {
-    if (const std::uint32_t* const place = placeOf.find(entry->second)) places[*place] = entry;
+    if (const auto* const place = placeOf.find(entry->second)) places[place->value] = entry;
   }
   for (const auto& place : places) {
     if (place != placed_->end()) placed_->erase(place);
@@ -160,9 +141,8 @@ void CategoryIndex::clear() {
   placedEntries_.clear();
   entries_.clear();
   release(names_);
-  release(named_);
-  nameById_.clear();
-  found_.fill({});
+  ids_.clear();
+  hints_.fill({});
   foldedNames_.clear();
 }
 

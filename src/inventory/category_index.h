@@ -41,28 +41,24 @@ class CategoryIndex {
   // The same where ids have no names, and are ordered as numbers. Not both in one index.
   void insert(std::uint32_t id, std::uint32_t track);
 
-  // Asks, in three steps from 0 on, each in time for the next, for what find(id) looks at: the id's
-  // entry, what that leads to, and the NamedId with what is right behind it, as the name may be.
+  // Asks, in two steps from 0 on, each in time for the next, for what find(id) looks at: the id's
+  // entry, and the NamedId with what is right behind it, as the name may be.
   void expect(std::uint32_t id, int step) const {
     if (step == 0) {
-      nameById_.expect(id);
-      return;
-    }
-    const std::uint32_t position = positionOf(id);
-    if (position == kUnknown) return;
-    if (step == 1) {
-      prefetch(&named_[position]);
-    } else if (named_[position] != nullptr) {
-      constexpr std::size_t kCacheLine = 64;
-      const auto* const named = reinterpret_cast<const char*>(named_[position]);
+      ids_.expect(id);
+    } else if (const NamedId* const named = find(id)) {
+      constexpr std::size_t kWithName = 64;
       prefetch(named);
-      prefetch(named + kCacheLine);
+      prefetch(reinterpret_cast<const char*>(named) + kWithName);
     }
   }
 
   // What the id was last entered with, nullptr if it never was, or has no name. Not for several
   // threads: it remembers what it has found.
-  const NamedId* find(std::uint32_t id) const;
+  const NamedId* find(std::uint32_t id) const {
+    const Id* const known = ids_.find(id, hintOf(id));
+    return known == nullptr ? nullptr : known->named;
+  }
 
   // The track numbers of all entries, in order.
   LargeVector<std::uint32_t> tracksInOrder() const;
@@ -96,25 +92,29 @@ class CategoryIndex {
   using Placed = std::multimap<std::uint32_t, std::uint32_t, ByLiveName,
                                ArenaAllocator<std::pair<const std::uint32_t, std::uint32_t>>>;
 
-  static constexpr std::uint32_t kUnknown = 0xFFFFFFFF;
+  struct Id {
+    static constexpr std::uint32_t kNowhere = 0xFFFFFFFF;
+
+    std::uint32_t id = 0;
+    std::uint32_t position = kNowhere;  // in names_
+    const NamedId* named = nullptr;     // what it was last entered with, if ids have names
+
+    bool isFree() const { return position == kNowhere; }
+  };
+  using Ids = IdMap<Id>;
 
   bool orders(std::uint32_t a, std::uint32_t b) const;
-  std::uint32_t positionOf(std::uint32_t id) const;
-  std::uint32_t enterId(std::uint32_t id);
-  void rename(std::uint32_t position, const NamedId& entry);
+  Ids::Hint& hintOf(std::uint32_t id) const { return hints_[id % hints_.size()]; }
+  Id& enterId(std::uint32_t id);
+  void rename(Id& known, const NamedId& entry);
   void add(std::uint32_t position, std::uint32_t track);
   void placeEntries();
 
   LargeVector<Name> names_;
-  LargeVector<const NamedId*> named_;        // of the same; nullptr where ids have no names
-  IdMap<std::uint32_t, kUnknown> nameById_;  // id to position in names_
-  // What positionOf() has found, each in the place of its id's last bits: an id is asked for its
-  // name several times, then given an entry.
-  struct Found {
-    std::uint32_t id = 0;
-    std::uint32_t position = kUnknown;
-  };
-  mutable std::array<Found, 1024> found_;
+  Ids ids_;
+  // Where ids were found, each in the place of its last bits: an id is asked for its name several
+  // times, then given an entry.
+  mutable std::array<Ids::Hint, 1024> hints_;
   Arena foldedNames_;
 
   // Either all entries as they came, or, once that doesn't determine their order, all in place: in

@@ -29,7 +29,7 @@ constexpr std::size_t kLinesAtATime = 16;
 
 // The track of each media id that has come more than once in the tracks file, as it came last:
 // playlists name that one, while the manager keeps to the first.
-using LaterTracks = IdMap<const Track*, nullptr>;
+using LaterTracks = IdMap<IdEntry<const Track*, nullptr>>;
 
 bool reportUnopened(const LineReader& reader, const char* path) {
   if (!reader.isOpen()) std::cout << "Unable to open file " << path;
@@ -44,12 +44,12 @@ void addTracks(TrackManager& manager, const TrackBatch& batch, LaterTracks& late
     const Track* const track =
         manager.addTrack(texts.title, ids.media, texts.artistName, ids.artist, texts.albumName,
                          ids.album, texts.genreName, ids.genre, texts.rating);
-    if (manager.getIndex().numberOf(*track) == 0) laterTracks.enter(ids.media, track) = track;
+    if (manager.getIndex().numberOf(*track) == 0)
+      laterTracks.enter({ids.media, track}).value = track;
   };
   forEachPrefetched(
       allIds.size(), add, [&](std::size_t i) { manager.expectTrack(allIds[i], 0); },
-      [&](std::size_t i) { manager.expectTrack(allIds[i], 1); },
-      [&](std::size_t i) { manager.expectTrack(allIds[i], 2); });
+      [&](std::size_t i) { manager.expectTrack(allIds[i], 1); });
 }
 
 void readTracks(TrackManager& manager, const char* path, LaterTracks& laterTracks) {
@@ -131,8 +131,8 @@ void readEntries(const TrackManager& manager, PlaylistLines& lines, std::string_
     const std::uint32_t mediaId = parseId(line);
     const Track* const first = manager.findTrack(mediaId);
     if (first != nullptr && !(line.empty() && lines.atEnd())) {
-      const Track* const* const later = laterTracks.find(mediaId);
-      playlist.getTracks().push_back(later ? *later : first);
+      const auto* const later = laterTracks.find(mediaId);
+      playlist.getTracks().push_back(later ? later->value : first);
     }
     if (lines.atEnd()) {
       const std::size_t lastLine = lines.lineNumber() - (line.empty() ? 1 : 0);

@@ -47,8 +47,8 @@ MediaIdIndex::Range MediaIdIndex::chunkOf(std::uint32_t id) const {
 
 std::uint32_t MediaIdIndex::find(std::uint32_t id) const {
   if (!isList_) {
-    const std::uint32_t* const number = numbers_.find(id);
-    return number == nullptr ? kNoNumber : *number;
+    const auto* const entry = numbers_.find(id);
+    return entry == nullptr ? kNoNumber : entry->value;
   }
   if (!isInRange(id)) return kNoNumber;
   const std::size_t place =
@@ -65,7 +65,7 @@ std::uint32_t MediaIdIndex::enterOther(std::uint32_t id, std::uint32_t number) {
     if (const std::uint32_t known = find(id)) return known;
     leaveList();
   }
-  std::uint32_t& entered = numbers_.enter(id, number);
+  std::uint32_t& entered = numbers_.enter({id, number}).value;
   if (entered == kNoNumber) entered = number;
   return entered;
 }
@@ -73,7 +73,7 @@ std::uint32_t MediaIdIndex::enterOther(std::uint32_t id, std::uint32_t number) {
 void MediaIdIndex::enterEmpty(std::uint32_t id) {
   if (hasEntry(id)) return;
   leaveList();
-  numbers_.enter(id, kNoNumber);
+  numbers_.enter({id, kNoNumber});
 }
 
 void MediaIdIndex::erase(std::uint32_t id) {
@@ -116,7 +116,9 @@ void MediaIdIndex::leaveList() {
   numbers_.reserve(ids_.size());
   forEachPrefetched(
       ids_.size(),
-      [&](std::size_t i) { numbers_.enter(ids_[i], firstNumber_ + static_cast<std::uint32_t>(i)); },
+      [&](std::size_t i) {
+        numbers_.enter({ids_[i], firstNumber_ + static_cast<std::uint32_t>(i)});
+      },
       [&](std::size_t i) { numbers_.expect(ids_[i]); });
   ids_.clear();
   isList_ = false;

@@ -75,11 +75,12 @@ class MediaIdIndex {
   void makeRoom();
 
   bool isList_ = true;
-  List ids_;                                  // as long as isList_
-  std::uint32_t lastId_ = 0;                  // of those
-  std::uint32_t firstNumber_ = 0;             // under the first of them
-  std::size_t expected_ = 0;                  // how many ids
-  IdMap<std::uint32_t, 0xFFFFFFFF> numbers_;  // otherwise; kNoNumber in empty entries
+  List ids_;                       // as long as isList_
+  std::uint32_t lastId_ = 0;       // of those
+  std::uint32_t firstNumber_ = 0;  // under the first of them
+  std::size_t expected_ = 0;       // how many ids
+  // Otherwise; kNoNumber in empty entries.
+  IdMap<IdEntry<std::uint32_t, 0xFFFFFFFF>> numbers_;
 };
 
 }  // namespace Orvane

@@ -35,7 +35,7 @@ class TrackIndex {
   // Says that about so many tracks will be added: see MediaIdIndex::expectCount.
   void expect(std::size_t count) { numbersById_.expectCount(tracksByNumber_.size() + count); }
 
-  // Asks, in three steps from 0 on, each in time for the next, for what adding a track with these
+  // Asks, in two steps from 0 on, each in time for the next, for what adding a track with these
   // ids looks at: that is all over the memory.
   void expect(const TrackIds& track, int step) const;
 

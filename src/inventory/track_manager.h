@@ -48,7 +48,7 @@ class TrackManager {
   // for theirs, if there is memory: 11 to 21 bytes each.
   void expectTracks(std::size_t count) { index_->expect(count); }
 
-  // Asks, in three steps from 0 on, each in time for the next, for what adding a track with these
+  // Asks, in two steps from 0 on, each in time for the next, for what adding a track with these
   // ids looks at.
   void expectTrack(const TrackIds& ids, int step) const { index_->expect(ids, step); }
 

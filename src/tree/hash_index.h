@@ -43,9 +43,13 @@ class HashIndex {
     used_ = 0;
   }
 
-  // Asks for the place of an entry with that hash, which will soon be looked for.
+  // Asks for the place of an entry with that hash, which will soon be looked for, and for the next
+  // ones, where it may be instead.
   void expect(std::uint32_t hash) const {
-    if (!slots_.empty()) prefetch(&slots_[hash & mask()]);
+    if (slots_.empty()) return;
+    const Entry* const home = slots_.data() + (hash & mask());
+    prefetch(home);
+    prefetch(home + 2);
   }
 
   // What stands in that place: mostly the entry with that hash, if there is one.
