@@ -3,8 +3,7 @@
 #include <malloc.h>
 #include <sys/mman.h>
 
-#include <cstdint>
-
+#include "tree/mapping_pool.h"
 #include "tree/spare_memory.h"
 
 namespace Orvane {
@@ -21,34 +20,13 @@ SpareMemory& spareMemory() {
   return spare;
 }
 
+MappingPool& mappingPool() {
+  static MappingPool pool;
+  return pool;
+}
+
 std::size_t roundedUp(std::size_t size) {
   return (size + kHugePageSize - 1) / kHugePageSize * kHugePageSize;
-}
-
-// Maps memory, at `place` unless that is nullptr; nullptr when there is none.
-std::byte* map(std::byte* place, std::size_t size) noexcept {
-  void* const memory = ::mmap(place, size, PROT_READ | PROT_WRITE,
-                              MAP_PRIVATE | MAP_ANONYMOUS | (place ? MAP_FIXED : 0), -1, 0);
-  return memory == MAP_FAILED ? nullptr : static_cast<std::byte*>(memory);
-}
-
-void unmap(std::byte* memory, std::size_t size) noexcept {
-  if (size > 0) ::munmap(memory, size);
-}
-
-// Memory at a multiple of the size of a large page: only there it can have large pages.
-std::byte* mapLarge(std::size_t size) {
-  // More than is needed: what is before and after goes back.
-  const std::size_t mapped = size + kHugePageSize;
-  std::byte* const begin = map(nullptr, mapped);
-  if (begin == nullptr) throw std::bad_alloc();
-  const std::size_t before =
-      (kHugePageSize - reinterpret_cast<std::uintptr_t>(begin) % kHugePageSize) % kHugePageSize;
-  unmap(begin, before);
-  unmap(begin + before + size, mapped - before - size);
-  // Advice only: where it isn't taken, ordinary pages do.
-  static_cast<void>(::madvise(begin + before, size, MADV_HUGEPAGE));
-  return begin + before;
 }
 
 // Moves a spare piece's pages to where others would have to be made. False when there is no memory
@@ -58,8 +36,8 @@ bool movePages(SpareMemory::Piece piece, std::byte* place) noexcept {
       MAP_FAILED) {
     return true;
   }
-  unmap(piece.memory, piece.size);
-  return map(place, piece.size) != nullptr;  // the attempt may have taken away what was there
+  unmapMemory(piece.memory, piece.size);
+  return mapMemory(place, piece.size) != nullptr;  // the attempt may have taken away what was there
 }
 
 }  // namespace
@@ -69,12 +47,12 @@ void* allocateLarge(std::size_t size) {
   if (size > PTRDIFF_MAX - 2 * kHugePageSize) throw std::bad_alloc();
 
   const std::size_t wanted = roundedUp(size);
-  std::byte* const memory = mapLarge(wanted);
+  std::byte* const memory = mappingPool().take(wanted);
   std::size_t filled = 0;
   for (auto spare = spareMemory().take(wanted); spare.size > 0;
        spare = spareMemory().take(wanted - filled)) {
     if (!movePages(spare, memory + filled)) {
-      unmap(memory, wanted);
+      unmapMemory(memory, wanted);
       throw std::bad_alloc();
     }
     filled += spare.size;
@@ -85,7 +63,7 @@ void* allocateLarge(std::size_t size) {
 void giveBackSpareMemory() noexcept {
   constexpr std::size_t kAll = static_cast<std::size_t>(-1);
   for (auto spare = spareMemory().take(kAll); spare.size > 0; spare = spareMemory().take(kAll)) {
-    unmap(spare.memory, spare.size);
+    unmapMemory(spare.memory, spare.size);
   }
 }
 
@@ -102,7 +80,7 @@ void freeLarge(void* memory, std::size_t size) noexcept {
   if (!isMapped(size)) {
     ::operator delete(memory);
   } else if (!spareMemory().keep({static_cast<std::byte*>(memory), roundedUp(size)})) {
-    unmap(static_cast<std::byte*>(memory), roundedUp(size));
+    unmapMemory(static_cast<std::byte*>(memory), roundedUp(size));
   }
 }
 

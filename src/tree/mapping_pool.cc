@@ -1,0 +1,62 @@
+#include "tree/mapping_pool.h"
+
+#include <sys/mman.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <new>
+
+#include "tree/huge_pages.h"
+
+namespace Orvane {
+
+std::byte* mapMemory(std::byte* place, std::size_t size) noexcept {
+  void* const memory = ::mmap(place, size, PROT_READ | PROT_WRITE,
+                              MAP_PRIVATE | MAP_ANONYMOUS | (place ? MAP_FIXED : 0), -1, 0);
+  return memory == MAP_FAILED ? nullptr : static_cast<std::byte*>(memory);
+}
+
+void unmapMemory(std::byte* memory, std::size_t size) noexcept {
+  if (size > 0) ::munmap(memory, size);
+}
+
+// Memory at a multiple of the size of a large page: only there it can have large pages.
+std::byte* MappingPool::mapAligned(std::size_t size) noexcept {
+  // More than is needed: what is before and after goes back.
+  const std::size_t mapped = size + kHugePageSize;
+  std::byte* const begin = mapMemory(nullptr, mapped);
+  if (begin == nullptr) return nullptr;
+  const std::size_t before =
+      (kHugePageSize - reinterpret_cast<std::uintptr_t>(begin) % kHugePageSize) % kHugePageSize;
+  unmapMemory(begin, before);
+  unmapMemory(begin + before + size, mapped - before - size);
+  // Advice only: where it isn't taken, ordinary pages do.
+  static_cast<void>(::madvise(begin + before, size, MADV_HUGEPAGE));
+  mappedSize_ += size;
+  return begin + before;
+}
+
+// A mapping is a fourth of what was mapped before: there are few, and little stays unused.
+std::byte* MappingPool::take(std::size_t size) {
+  constexpr std::size_t kMost = std::size_t{1} << 28;
+  const std::lock_guard lock(mutex_);
+  const std::size_t fourth = mappedSize_ / 4 / kHugePageSize * kHugePageSize;
+  if (const std::size_t wanted = std::min(fourth, kMost); freeSize_ < size && size < wanted) {
+    if (std::byte* const memory = mapAligned(wanted)) {
+      unmapMemory(free_, freeSize_);
+      free_ = memory;
+      freeSize_ = wanted;
+    }
+  }
+  if (freeSize_ < size) {
+    std::byte* const memory = mapAligned(size);
+    if (memory == nullptr) throw std::bad_alloc();
+    return memory;
+  }
+  std::byte* const taken = free_;
+  free_ += size;
+  freeSize_ -= size;
+  return taken;
+}
+
+}  // namespace Orvane

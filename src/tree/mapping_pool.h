@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstddef>
+#include <mutex>
+
+namespace Orvane {
+
+// Maps memory, at `place` unless that is nullptr; nullptr when there is none.
+std::byte* mapMemory(std::byte* place, std::size_t size) noexcept;
+
+// Gives mapped memory back to the system.
+void unmapMemory(std::byte* memory, std::size_t size) noexcept;
+
+// Hands out memory of mappings that are larger than what is asked for: to map anything waits until
+// no page is being made, which can take as long as to make several. For several threads.
+class MappingPool {
+ public:
+  // `size` bytes, a multiple of kHugePageSize, at such a multiple and to be made in large pages
+  // where the system has them. Whoever takes them is to unmap them. Throws std::bad_alloc.
+  std::byte* take(std::size_t size);
+
+ private:
+  std::byte* mapAligned(std::size_t size) noexcept;
+
+  std::mutex mutex_;
+  std::byte* free_ = nullptr;  // the rest of the newest mapping
+  std::size_t freeSize_ = 0;
+  std::size_t mappedSize_ = 0;  // of all mappings so far
+};
+
+}  // namespace Orvane
