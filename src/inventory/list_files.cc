@@ -88,7 +88,7 @@ void readTracks(TrackManager& manager, const char* path, LaterTracks& laterTrack
       [&](const TrackBatch& batch) {
         addTracks(manager, batch, laterTracks);
         // Not before some of the tracks expected have really come.
-        if (!forMenus && trackCount() - tracksBefore > tracks / 4) {
+        if (!forMenus && trackCount() - tracksBefore > tracks / 16) {
           forMenus.emplace(tracks * kMenuBytes);
         }
       });

@@ -38,10 +38,12 @@ std::byte* MappingPool::mapAligned(std::size_t size) noexcept {
 
 // A mapping is a fourth of what was mapped before: there are few, and little stays unused.
 std::byte* MappingPool::take(std::size_t size) {
+  constexpr std::size_t kLeast = std::size_t{1} << 24;
   constexpr std::size_t kMost = std::size_t{1} << 28;
   const std::lock_guard lock(mutex_);
   const std::size_t fourth = mappedSize_ / 4 / kHugePageSize * kHugePageSize;
-  if (const std::size_t wanted = std::min(fourth, kMost); freeSize_ < size && size < wanted) {
+  const std::size_t wanted = std::clamp(fourth, kLeast, kMost);
+  if (freeSize_ < size && size < wanted) {
     if (std::byte* const memory = mapAligned(wanted)) {
       unmapMemory(free_, freeSize_);
       free_ = memory;

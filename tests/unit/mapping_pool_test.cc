@@ -65,20 +65,24 @@ TEST_F(MappingPools, GiveMemoryOfItsOwnToEach) {
   }
 }
 
-TEST_F(MappingPools, MapsForSeveralOnceThereIsMuch) {
-  take(16);
-  std::byte* const first = take(1);
-  for (std::size_t i = 1; i < 4; ++i) EXPECT_EQ(take(1), first + i * kHugePageSize);
+TEST_F(MappingPools, MapForSeveral) {
+  std::byte* const first = take(1);  // of 8 pages
+  for (std::size_t i = 1; i < 8; ++i) EXPECT_EQ(take(1), first + i * kHugePageSize);
+}
+
+TEST_F(MappingPools, MapMoreWhenThereIsMuch) {
+  take(100);
+  std::byte* const first = take(9);  // of 25
+  EXPECT_EQ(take(16), first + 9 * kHugePageSize);
 }
 
 TEST_F(MappingPools, GiveBackTheRestOfAMappingWhenItIsTooSmall) {
-  take(20);
-  const std::byte* const rest = take(1) + kHugePageSize;  // of 5 pages
-  take(6);
+  const std::byte* const rest = take(4) + 4 * kHugePageSize;  // of 8
+  take(8);
   EXPECT_TRUE(isMapped(rest)) << "what is as large as a mapping gets one to itself";
-  const std::byte* const next = take(5) + 5 * kHugePageSize;  // of 7
+  const std::byte* const next = take(5) + 5 * kHugePageSize;  // of 8
   EXPECT_FALSE(isMapped(rest));
-  EXPECT_EQ(take(2), next);
+  EXPECT_EQ(take(3), next);
 }
 
 TEST_F(MappingPools, ThrowWhereThereIsNoMemory) {
