@@ -2,11 +2,15 @@
 
 #include <gtest/gtest.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
+#include <fstream>
 #include <limits>
 #include <new>
 #include <vector>
@@ -90,6 +94,26 @@ TEST_F(MappingPools, ThrowWhereThereIsNoMemory) {
   constexpr std::size_t kAll = std::numeric_limits<std::ptrdiff_t>::max();
   EXPECT_THROW(pool_.take(kAll / kHugePageSize * kHugePageSize), std::bad_alloc);
   EXPECT_TRUE(isMapped(take(1)));
+}
+
+// In a process of its own, whose limit ends with it.
+TEST(MappingPool, MapsWhatIsAskedForWhereThereIsNoMoreMemory) {
+  const auto takeUnderLimit = [](std::size_t limit) {
+    std::size_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    const rlim_t bytes = pages * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE)) + limit;
+    const rlimit addresses = {bytes, bytes};
+    MappingPool pool;
+    if (::setrlimit(RLIMIT_AS, &addresses) != 0) std::_Exit(2);
+    try {
+      pool.take(kHugePageSize)[0] = std::byte{1};
+    } catch (const std::bad_alloc&) {
+      std::_Exit(1);
+    }
+    std::_Exit(0);
+  };
+  EXPECT_EXIT(takeUnderLimit(4 * kHugePageSize), ::testing::ExitedWithCode(0), "");
+  EXPECT_EXIT(takeUnderLimit(kHugePageSize / 2), ::testing::ExitedWithCode(1), "");
 }
 
 }  // namespace
