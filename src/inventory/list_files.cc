@@ -44,8 +44,9 @@ void addTracks(TrackManager& manager, const TrackBatch& batch, LaterTracks& late
     const Track* const track =
         manager.addTrack(texts.title, ids.media, texts.artistName, ids.artist, texts.albumName,
                          ids.album, texts.genreName, ids.genre, texts.rating);
-    if (manager.getIndex().numberOf(*track) == 0)
+    if (manager.getIndex().numberOf(*track) == 0) {
       laterTracks.enter({ids.media, track}).value = track;
+    }
   };
   forEachPrefetched(
       allIds.size(), add, [&](std::size_t i) { manager.expectTrack(allIds[i], 0); },
