@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "inventory/append_menu.h"
+#include "tree/keyed_hash.h"
 
 namespace Orvane {
 

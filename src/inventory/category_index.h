@@ -42,14 +42,15 @@ class CategoryIndex {
   void insert(std::uint32_t id, std::uint32_t track);
 
   // Asks, in two steps from 0 on, each in time for the next, for what find(id) looks at: the id's
-  // entry, and the NamedId with what is right behind it, as the name may be.
+  // entry, and the NamedId with what is right behind it, as the name may be. Not for several
+  // threads, as find() isn't.
   void expect(std::uint32_t id, int step) const {
     if (step == 0) {
       ids_.expect(id);
     } else if (const NamedId* const named = find(id)) {
-      constexpr std::size_t kWithName = 64;
+      constexpr std::size_t kCacheLine = 64;
       prefetch(named);
-      prefetch(reinterpret_cast<const char*>(named) + kWithName);
+      prefetch(reinterpret_cast<const char*>(named) + kCacheLine);
     }
   }
 

@@ -31,7 +31,8 @@ class IdMap {
     std::uint32_t place = 0;
   };
 
-  // Looks first where the hint says, if it is about this id, and leaves a new one.
+  // Looks first where the hint says, if it is about this id, and leaves a new one when it finds the
+  // entry. Any hint will do.
   const Entry* find(std::uint32_t id, Hint& hint) const {
     if (hint.id == id && hint.place < slots_.size()) {
       const Entry& slot = slots_[hint.place];
@@ -49,14 +50,14 @@ class IdMap {
   // be instead.
   void expect(std::uint32_t id) const {
     if (slots_.empty()) return;
-    const Entry* const home = slots_.data() + homeOf(id);
-    prefetch(home);
-    prefetch(home + 2);
+    const std::size_t home = homeOf(id);
+    prefetch(&slots_[home]);
+    prefetch(&slots_[(home + 2) & mask()]);
   }
 
   // The entry with the id of `entry`, which is `entry` if there was none. Its id may not be
   // changed, nor may it become free. Good until the map changes.
-  Entry& enter(const Entry& entry) {
+  Entry& enter(Entry entry) {
     reserve(used_ + 1);
     Entry& slot = slots_[place(entry.id)];
     if (slot.isFree()) {

@@ -13,6 +13,7 @@
 #include "inventory/append_menu.h"
 #include "inventory/artist_albums.h"
 #include "tree/huge_pages.h"
+#include "tree/keyed_hash.h"
 #include "tree/parallel.h"
 #include "tree/position_index.h"
 #include "tree/prefetch.h"

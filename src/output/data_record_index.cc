@@ -9,8 +9,8 @@
 
 #include "output/data_record.h"
 #include "output/recurring_ids.h"
+#include "tree/keyed_hash.h"
 #include "tree/parallel.h"
-#include "tree/position_index.h"
 #include "tree/prefetch.h"
 
 namespace Orvane {

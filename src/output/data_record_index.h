@@ -19,10 +19,11 @@ struct DataRecordIndex {
   // record that it ought to share with leaves of tracks.
   explicit DataRecordIndex(const MenuTree& tree);
 
-  // The hash of a node's name and id.
+  // The hash of what areAlike() compares.
   static std::uint32_t hashOf(const MenuNode& node);
 
-  // Whether two nodes have equal names and ids.
+  // Whether two nodes are to share a record: their ids are equal, and of their names what is
+  // stored, up to a zero byte.
   static bool areAlike(const MenuNode& a, const MenuNode& b);
 
   // To be called when all is laid out, with the table that it is laid out in: enters the records of

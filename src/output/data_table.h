@@ -13,7 +13,7 @@ struct DataSource {
   static DataSource ofLeaf(Child leaf) { return {leaf}; }
 };
 
-// The data table, in record order. To it all are leaves.
+// The data table, in record order. All records are appended as leaves, those of menus, too.
 using DataTable = LinkedTable<DataSource>;
 
 }  // namespace Orvane

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <span>
 #include <tuple>
 
@@ -95,7 +95,7 @@ class TwoTables {
   using Hashes = std::array<Hashed, 256>;
 
   static std::size_t placeOf(const MenuNode& node) {
-    return std::hash<const MenuNode*>()(&node) / alignof(MenuNode) % std::tuple_size_v<Hashes>;
+    return std::bit_cast<std::uintptr_t>(&node) / alignof(MenuNode) % std::tuple_size_v<Hashes>;
   }
 
   void expectSearch(std::uint32_t track) const {

@@ -14,7 +14,7 @@ namespace Orvane {
 // which nothing shares, must be there already where children are numbers of tracks. Both tables
 // refer to these numbers, and to the nodes, until they have been read; the tree table of a tree
 // with a track table can be read once `idMap`, which is for one data table only, has ended its
-// search.
+// search. After an exception they are of no use any more.
 //
 // Nodes with equal mediaId and equal name share the data record of the first of them, whatever else
 // differs. Names are equal when their stored 64 bytes are, up to the first zero byte.

@@ -17,9 +17,10 @@ template <typename Entry>
 class HashIndex {
  public:
   // The first entry for which `matches(entry)` holds, among those entered with the hash of `next`.
-  // When there is none, enters `next` and returns it. Good until another one is entered.
+  // When there is none, enters `next` and returns it. Good until another one is entered, which
+  // `matches` must not do.
   template <typename Matches>
-  const Entry& findOrInsert(const Entry& next, Matches matches) {
+  const Entry& findOrInsert(Entry next, Matches matches) {
     reserve(used_ + 1);
     std::size_t at = next.hash & mask();
     for (; !slots_[at].isFree(); at = (at + 1) & mask()) {
@@ -47,9 +48,8 @@ class HashIndex {
   // ones, where it may be instead.
   void expect(std::uint32_t hash) const {
     if (slots_.empty()) return;
-    const Entry* const home = slots_.data() + (hash & mask());
-    prefetch(home);
-    prefetch(home + 2);
+    prefetch(&slots_[hash & mask()]);
+    prefetch(&slots_[(hash + 2) & mask()]);
   }
 
   // What stands in that place: mostly the entry with that hash, if there is one.

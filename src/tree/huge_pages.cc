@@ -3,6 +3,9 @@
 #include <malloc.h>
 #include <sys/mman.h>
 
+#include <array>
+#include <new>
+
 #include "tree/mapping_pool.h"
 #include "tree/spare_memory.h"
 
@@ -21,7 +24,9 @@ SpareMemory& spareMemory() {
 }
 
 MappingPool& mappingPool() {
-  static MappingPool pool;
+  // Never destroyed: who takes from it may be later.
+  alignas(MappingPool) static std::array<std::byte, sizeof(MappingPool)> place;
+  static MappingPool& pool = *new (place.data()) MappingPool();
   return pool;
 }
 

@@ -35,4 +35,9 @@ inline std::uint64_t hashOfId(std::uint32_t id) {
 
 std::uint64_t hashOfName(std::string_view name);
 
+// The hash of a name together with an id.
+inline std::uint32_t hashNameAndId(std::string_view name, std::uint32_t id) {
+  return static_cast<std::uint32_t>(hashOfNumber(hashOfName(name) ^ id));
+}
+
 }  // namespace Orvane

@@ -36,7 +36,15 @@ std::byte* MappingPool::mapAligned(std::size_t size) noexcept {
   return begin + before;
 }
 
-// A mapping is a fourth of what was mapped before: there are few, and little stays unused.
+void MappingPool::replaceRest(std::byte* memory, std::size_t size) noexcept {
+  unmapMemory(free_, freeSize_);
+  free_ = memory;
+  freeSize_ = size;
+}
+
+// A mapping is a fourth of what was mapped before, within bounds, or all that is asked for when
+// that is as much: so there are few. What stays unused takes addresses only; where these are short,
+// it is given back.
 std::byte* MappingPool::take(std::size_t size) {
   constexpr std::size_t kLeast = std::size_t{1} << 24;
   constexpr std::size_t kMost = std::size_t{1} << 28;
@@ -44,16 +52,13 @@ std::byte* MappingPool::take(std::size_t size) {
   const std::size_t fourth = mappedSize_ / 4 / kHugePageSize * kHugePageSize;
   const std::size_t wanted = std::clamp(fourth, kLeast, kMost);
   if (freeSize_ < size && size < wanted) {
-    if (std::byte* const memory = mapAligned(wanted)) {
-      unmapMemory(free_, freeSize_);
-      free_ = memory;
-      freeSize_ = wanted;
-    }
+    if (std::byte* const memory = mapAligned(wanted)) replaceRest(memory, wanted);
   }
   if (freeSize_ < size) {
-    std::byte* const memory = mapAligned(size);
-    if (memory == nullptr) throw std::bad_alloc();
-    return memory;
+    if (std::byte* const memory = mapAligned(size)) return memory;
+    replaceRest(nullptr, 0);
+    if (std::byte* const memory = mapAligned(size)) return memory;
+    throw std::bad_alloc();
   }
   std::byte* const taken = free_;
   free_ += size;

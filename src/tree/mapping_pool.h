@@ -5,7 +5,8 @@
 
 namespace Orvane {
 
-// Maps memory, at `place` unless that is nullptr; nullptr when there is none.
+// Maps memory that is zero, at `place` unless that is nullptr, where it replaces what is there;
+// nullptr when there is none.
 std::byte* mapMemory(std::byte* place, std::size_t size) noexcept;
 
 // Gives mapped memory back to the system.
@@ -15,17 +16,24 @@ void unmapMemory(std::byte* memory, std::size_t size) noexcept;
 // no page is being made, which can take as long as to make several. For several threads.
 class MappingPool {
  public:
-  // `size` bytes, a multiple of kHugePageSize, at such a multiple and to be made in large pages
-  // where the system has them. Whoever takes them is to unmap them. Throws std::bad_alloc.
+  MappingPool() = default;
+  MappingPool(const MappingPool&) = delete;
+  MappingPool& operator=(const MappingPool&) = delete;
+  ~MappingPool() { unmapMemory(free_, freeSize_); }
+
+  // `size` bytes, all zero, a multiple of kHugePageSize, at such a multiple and to be made in large
+  // pages where the system has them. Whoever takes them is to unmap them, be it after the pool is
+  // destroyed. Throws std::bad_alloc.
   std::byte* take(std::size_t size);
 
  private:
   std::byte* mapAligned(std::size_t size) noexcept;
+  void replaceRest(std::byte* memory, std::size_t size) noexcept;
 
   std::mutex mutex_;
   std::byte* free_ = nullptr;  // the rest of the newest mapping
   std::size_t freeSize_ = 0;
-  std::size_t mappedSize_ = 0;  // of all mappings so far
+  std::size_t mappedSize_ = 0;  // of all mappings so far, those among them that are no more
 };
 
 }  // namespace Orvane

@@ -1,17 +1,10 @@
 #pragma once
 
 #include <cstdint>
-#include <string_view>
 
 #include "tree/hash_index.h"
-#include "tree/keyed_hash.h"
 
 namespace Orvane {
-
-// The hash of a name together with an id.
-inline std::uint32_t hashNameAndId(std::string_view name, std::uint32_t id) {
-  return static_cast<std::uint32_t>(hashOfNumber(hashOfName(name) ^ id));
-}
 
 // Finds elements of a growing sequence by key, without holding more of them than their positions.
 // The sequence and the keys are the caller's.

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdint>
 #include <map>
 #include <random>
@@ -36,6 +37,7 @@ TEST(IdMap, DoesWhatAMapDoes) {
     SCOPED_TRACE(seed);
     std::mt19937 random(seed);
     Values map;
+    std::array<Values::Hint, 4> hints;
     Plain plain;
     const std::uint32_t kind = seed % 4;
     for (int step = 0; step < 400; ++step) {
@@ -54,6 +56,7 @@ TEST(IdMap, DoesWhatAMapDoes) {
         plain.clear();
       }
       ASSERT_NO_FATAL_FAILURE(expectSame(map, plain, id));
+      ASSERT_EQ(map.find(id, hints[id % hints.size()]), map.find(id));
       ASSERT_NO_FATAL_FAILURE(expectSame(map, plain, randomId(random, kind)));
     }
     for (const auto& [id, value] : plain) ASSERT_NO_FATAL_FAILURE(expectSame(map, plain, id));

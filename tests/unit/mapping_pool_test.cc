@@ -98,22 +98,25 @@ TEST_F(MappingPools, ThrowWhereThereIsNoMemory) {
 
 // In a process of its own, whose limit ends with it.
 TEST(MappingPool, MapsWhatIsAskedForWhereThereIsNoMoreMemory) {
-  const auto takeUnderLimit = [](std::size_t limit) {
+  const auto takeUnderLimit = [](std::size_t limit, std::size_t pagesBefore) {
     std::size_t pages = 0;
     std::ifstream("/proc/self/statm") >> pages;
     const rlim_t bytes = pages * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE)) + limit;
     const rlimit addresses = {bytes, bytes};
     MappingPool pool;
+    if (pagesBefore > 0) pool.take(pagesBefore * kHugePageSize);
     if (::setrlimit(RLIMIT_AS, &addresses) != 0) std::_Exit(2);
     try {
-      pool.take(kHugePageSize)[0] = std::byte{1};
+      pool.take(3 * kHugePageSize)[0] = std::byte{1};
     } catch (const std::bad_alloc&) {
       std::_Exit(1);
     }
     std::_Exit(0);
   };
-  EXPECT_EXIT(takeUnderLimit(4 * kHugePageSize), ::testing::ExitedWithCode(0), "");
-  EXPECT_EXIT(takeUnderLimit(kHugePageSize / 2), ::testing::ExitedWithCode(1), "");
+  EXPECT_EXIT(takeUnderLimit(5 * kHugePageSize, 0), ::testing::ExitedWithCode(0), "");
+  EXPECT_EXIT(takeUnderLimit(3 * kHugePageSize, 0), ::testing::ExitedWithCode(1), "");
+  // Too little, but for the rest of a mapping of 8 pages, which is given back then.
+  EXPECT_EXIT(takeUnderLimit(11 * kHugePageSize, 6), ::testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "seeded_random.h"
+#include "tree/keyed_hash.h"
 
 namespace Orvane::test {
 namespace {
