@@ -5,6 +5,7 @@
 
 #include <array>
 #include <new>
+#include <utility>
 
 #include "tree/mapping_pool.h"
 #include "tree/spare_memory.h"
@@ -34,15 +35,10 @@ std::size_t roundedUp(std::size_t size) {
   return (size + kHugePageSize - 1) / kHugePageSize * kHugePageSize;
 }
 
-// Moves a spare piece's pages to where others would have to be made. False when there is no memory
-// at that place any more.
+// Moves a spare piece's pages to where others would have to be made.
 bool movePages(SpareMemory::Piece piece, std::byte* place) noexcept {
-  if (::mremap(piece.memory, piece.size, piece.size, MREMAP_MAYMOVE | MREMAP_FIXED, place) !=
-      MAP_FAILED) {
-    return true;
-  }
-  unmapMemory(piece.memory, piece.size);
-  return mapMemory(place, piece.size) != nullptr;  // the attempt may have taken away what was there
+  return ::mremap(piece.memory, piece.size, piece.size, MREMAP_MAYMOVE | MREMAP_FIXED, place) !=
+         MAP_FAILED;
 }
 
 }  // namespace
@@ -56,11 +52,15 @@ void* allocateLarge(std::size_t size) {
   std::size_t filled = 0;
   for (auto spare = spareMemory().take(wanted); spare.size > 0;
        spare = spareMemory().take(wanted - filled)) {
-    if (!movePages(spare, memory + filled)) {
-      unmapMemory(memory, wanted);
-      throw std::bad_alloc();
+    const std::size_t before = std::exchange(filled, filled + spare.size);
+    if (!movePages(spare, memory + before)) {
+      // As by a system that doesn't move several mappings at once. It may have unmapped the place
+      // before it refused, and another thread may have mapped it since: it is left alone.
+      unmapMemory(spare.memory, spare.size);
+      unmapMemory(memory, before);
+      unmapMemory(memory + filled, wanted - filled);
+      return mappingPool().take(wanted);
     }
-    filled += spare.size;
   }
   return memory;
 }

@@ -10,12 +10,6 @@
 
 namespace Orvane {
 
-std::byte* mapMemory(std::byte* place, std::size_t size) noexcept {
-  void* const memory = ::mmap(place, size, PROT_READ | PROT_WRITE,
-                              MAP_PRIVATE | MAP_ANONYMOUS | (place ? MAP_FIXED : 0), -1, 0);
-  return memory == MAP_FAILED ? nullptr : static_cast<std::byte*>(memory);
-}
-
 void unmapMemory(std::byte* memory, std::size_t size) noexcept {
   if (size > 0) ::munmap(memory, size);
 }
@@ -24,8 +18,10 @@ void unmapMemory(std::byte* memory, std::size_t size) noexcept {
 std::byte* MappingPool::mapAligned(std::size_t size) noexcept {
   // More than is needed: what is before and after goes back.
   const std::size_t mapped = size + kHugePageSize;
-  std::byte* const begin = mapMemory(nullptr, mapped);
-  if (begin == nullptr) return nullptr;
+  void* const mapping =
+      ::mmap(nullptr, mapped, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  if (mapping == MAP_FAILED) return nullptr;
+  auto* const begin = static_cast<std::byte*>(mapping);
   const std::size_t before =
       (kHugePageSize - reinterpret_cast<std::uintptr_t>(begin) % kHugePageSize) % kHugePageSize;
   unmapMemory(begin, before);

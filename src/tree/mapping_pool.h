@@ -5,10 +5,6 @@
 
 namespace Orvane {
 
-// Maps memory that is zero, at `place` unless that is nullptr, where it replaces what is there;
-// nullptr when there is none.
-std::byte* mapMemory(std::byte* place, std::size_t size) noexcept;
-
 // Gives mapped memory back to the system.
 void unmapMemory(std::byte* memory, std::size_t size) noexcept;
 
