@@ -29,6 +29,8 @@ void AlbumRuns::join() {
     if (next - first > 1) joinGroup(std::span(runs_).subspan(first, next - first), last);
   }
   release(runs_);
+  release(numbersBefore_);
+  release(places_);
 }
 
 // A group begins with an album of its own, as each album that comes before is in a group before.

@@ -38,7 +38,8 @@ class AlbumRuns {
   LargeVector<Run> runs_;
   // Of each album's among all, and their end.
   LargeVector<std::uint32_t> begins_ = LargeVector<std::uint32_t>(1);
-  // Of a group that is joined: its numbers, and of each album where the next one goes.
+  // Of a group that is joined: its numbers, and of each album where the next one goes. Freed when
+  // all are joined.
   LargeVector<std::uint32_t> numbersBefore_;
   LargeVector<std::uint32_t> places_;
 };

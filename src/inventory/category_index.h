@@ -113,8 +113,8 @@ class CategoryIndex {
 
   LargeVector<Name> names_;
   Ids ids_;
-  // Where ids were found, each in the place of its last bits: an id is asked for its name several
-  // times, then given an entry.
+  // Where ids were found, for each in the place that its last bits give: an id is asked for its
+  // name several times, then given an entry.
   mutable std::array<Ids::Hint, 1024> hints_;
   Arena foldedNames_;
 

@@ -36,7 +36,7 @@ class TrackIndex {
   void expect(std::size_t count) { numbersById_.expectCount(tracksByNumber_.size() + count); }
 
   // Asks, in two steps from 0 on, each in time for the next, for what adding a track with these
-  // ids looks at: that is all over the memory.
+  // ids looks at: that is all over the memory. Not for several threads: it remembers what it finds.
   void expect(const TrackIds& track, int step) const;
 
   // Says that tracks with these media ids will be looked for next.

@@ -49,7 +49,7 @@ class TrackManager {
   void expectTracks(std::size_t count) { index_->expect(count); }
 
   // Asks, in two steps from 0 on, each in time for the next, for what adding a track with these
-  // ids looks at.
+  // ids looks at. Not for several threads: it remembers what it finds.
   void expectTrack(const TrackIds& ids, int step) const { index_->expect(ids, step); }
 
   // Says that tracks with these media ids will be looked for next.

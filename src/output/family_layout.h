@@ -28,8 +28,8 @@ namespace Orvane {
 //   void setFirstChild(Link, std::uint32_t index);    links that record to its children
 //   bool isDeferred(const MenuNode& child) const;     see below
 //   void expect(MenuNode& child, int step);           asks for what append(child) looks at, in
-//                                                     four steps, each in time for the next; some
-//                                                     may be taken several times, or not at all
+//                                                     four steps, each in time for the next; a
+//                                                     Table must not rely on any of them
 //   void expectLeaves(std::span<const std::uint32_t> tracks);
 //                                                     the same for appendLeaves(tracks)
 //

@@ -15,8 +15,8 @@ inline constexpr std::size_t kHugePageSize = std::size_t{1} << 21;
 void* allocateLarge(std::size_t size);
 void freeLarge(void* memory, std::size_t size) noexcept;
 
-// Gives the system back what is kept for the next who asks. Worth it before much is written: the
-// system needs memory for the file.
+// Gives the system back what is kept for the next who asks, but for addresses without pages. Worth
+// it before much is written: the system needs memory for the file.
 void giveBackSpareMemory() noexcept;
 
 // Has malloc keep, for the whole process, what is freed for what is asked for next: sequences that

@@ -8,8 +8,9 @@ namespace Orvane {
 // Gives mapped memory back to the system.
 void unmapMemory(std::byte* memory, std::size_t size) noexcept;
 
-// Hands out memory of mappings that are larger than what is asked for: to map anything waits until
-// no page is being made, which can take as long as to make several. For several threads.
+// Hands out memory of mappings that are larger than what is asked for: a call that maps waits for
+// the pages that other threads are just making, so few calls are worth some unused addresses. For
+// several threads.
 class MappingPool {
  public:
   MappingPool() = default;
