@@ -37,6 +37,7 @@ bool reportUnopened(const LineReader& reader, const char* path) {
 }
 
 void addTracks(TrackManager& manager, const TrackBatch& batch, LaterTracks& laterTracks) {
+  manager.takeTitlesIn(batch.titles());
   const std::span<const TrackIds> allIds = batch.ids();
   const auto add = [&](std::size_t i) {
     const TrackBatch::Texts& texts = batch.texts()[i];
@@ -70,7 +71,7 @@ void readTracks(TrackManager& manager, const char* path, LaterTracks& laterTrack
   const std::size_t tracksBefore = trackCount();
   TrackBatch first;
   while (!reader.atEnd() && reader.lineNumber() < linesAlone) {
-    first.read(reader, path, kBatchLines, false);
+    first.read(reader, path, kBatchLines, false, manager.getTitleStore());
     addTracks(manager, first, laterTracks);
   }
   if (reader.atEnd()) return;
@@ -82,7 +83,7 @@ void readTracks(TrackManager& manager, const char* path, LaterTracks& laterTrack
   forEachMadeAhead<TrackBatch, kBatches>(
       [&](TrackBatch& batch) {
         if (reader.atEnd()) return false;
-        batch.read(reader, path, kBatchLines, true);
+        batch.read(reader, path, kBatchLines, true, manager.getTitleStore());
         return true;
       },
       [](TrackBatch&) {},

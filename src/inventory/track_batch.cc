@@ -1,5 +1,6 @@
 #include "inventory/track_batch.h"
 
+#include <algorithm>
 #include <iostream>
 
 #include "errors/printable.h"
@@ -26,7 +27,21 @@ void TrackBatch::copyLines() {
   }
 }
 
-void TrackBatch::read(LineReader& reader, const char* path, std::size_t mostLines, bool withCopy) {
+void TrackBatch::keepTitles(Arena& arena) {
+  std::size_t size = 0;
+  for (const Texts& texts : texts_) size += texts.title.size();
+  char* const begin = static_cast<char*>(arena.allocate(size, 1));
+  char* next = begin;
+  for (Texts& texts : texts_) {
+    char* const end = std::copy(texts.title.begin(), texts.title.end(), next);
+    texts.title = {next, texts.title.size()};
+    next = end;
+  }
+  titles_ = {begin, size};
+}
+
+void TrackBatch::read(LineReader& reader, const char* path, std::size_t mostLines, bool withCopy,
+                      Arena& titles) {
   texts_.clear();
   ids_.clear();
   lines_.resize(mostLines);
@@ -47,6 +62,7 @@ void TrackBatch::read(LineReader& reader, const char* path, std::size_t mostLine
                 << " fields, found " << fields_.size() << ": line skipped" << std::endl;
     }
   }
+  keepTitles(titles);
 }
 
 }  // namespace Orvane

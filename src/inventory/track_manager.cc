@@ -32,6 +32,16 @@ bool TrackManager::hasTrack(std::uint32_t mediaId) const {
   return index_->has(mediaId);
 }
 
+std::string_view TrackManager::keepTitle(std::string_view title) {
+  // Addresses of different objects compare as numbers only.
+  const auto place = reinterpret_cast<std::uintptr_t>(title.data());
+  const auto begin = reinterpret_cast<std::uintptr_t>(titlesToTake_.data());
+  const std::size_t offset = place - begin;  // large where it is before
+  const bool isKept =
+      offset < titlesToTake_.size() && title.size() <= titlesToTake_.size() - offset;
+  return isKept ? title : ownTitles_.keep(title);
+}
+
 // Makes a NamedId, or what derives from it, with the name right behind it.
 template <typename Named, typename... Rest>
 const Named& TrackManager::make(const Given& given, const Rest&... rest) {
@@ -67,7 +77,7 @@ Track* TrackManager::addTrack(std::string_view title, std::uint32_t mediaId,
                               std::uint32_t rating) {
   static_assert(std::is_trivially_destructible_v<Track>);
   Track* const track = new (ownTracks_.allocate(sizeof(Track), alignof(Track))) Track();
-  track->setTitle(ownTitles_.keep(title));
+  track->setTitle(keepTitle(title));
   track->setMediaId(mediaId);
   track->setAlbum(keepAlbum({albumId, albumName}, {artistId, artistName}, {genreId, genreName}));
   track->setRating(rating);

@@ -44,6 +44,11 @@ class TrackManager {
 
   virtual Playlist* addPlaylist(std::string_view name, std::uint32_t playlistId);
 
+  // Where titles may be put for addTrack(), also by another thread than the one that calls it. It
+  // makes no copies of those within `titles`, which are there, until others are told.
+  Arena& getTitleStore() { return titleStore_; }
+  void takeTitlesIn(std::string_view titles) { titlesToTake_ = titles; }
+
   // Says that about so many tracks will be added. Unless all media ids count up, there will be room
   // for theirs, if there is memory: 11 to 21 bytes each.
   void expectTracks(std::size_t count) { index_->expect(count); }
@@ -107,6 +112,7 @@ class TrackManager {
     bool is(const NamedId& other) const { return other.id() == id && other.name() == name; }
   };
 
+  std::string_view keepTitle(std::string_view title);
   template <typename Named, typename... Rest>
   const Named& make(const Given& given, const Rest&... rest);
   const NamedId& keep(const CategoryIndex& category, const Given& given);
@@ -116,6 +122,7 @@ class TrackManager {
   void removeCategory(CategoryIndex& category, std::uint32_t id,
                       std::uint32_t (Track::*idOf)() const);
 
+  std::string_view titlesToTake_;  // in titleStore_
   std::vector<Playlist*> playlists_;
   std::unique_ptr<TrackIndex> index_;
 
@@ -124,6 +131,7 @@ class TrackManager {
   // the names, which are looked at again and again and so must stand close together.
   Arena ownTracks_;
   Arena ownTitles_;
+  Arena titleStore_;
   Arena ownNames_;
   std::vector<std::unique_ptr<Track>> trackSet_;
   std::vector<std::unique_ptr<Playlist>> playlistSet_;

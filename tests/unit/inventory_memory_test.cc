@@ -105,9 +105,10 @@ class TrackBatches : public ::testing::Test {
   }
 
   void read(TrackBatch& batch, std::size_t lines, bool withCopy) {
-    batch.read(reader_, path_.c_str(), lines, withCopy);
+    batch.read(reader_, path_.c_str(), lines, withCopy, titles_);
   }
 
+  Arena titles_;
   const TempDir dir_;
   const std::string path_ = writtenTo(dir_ / "tracks");
   LineReader reader_{path_.c_str()};
@@ -131,6 +132,16 @@ TEST_F(TrackBatches, WithACopyKeepTheirTextsWhileTheReaderGoesOn) {
   EXPECT_EQ(kept.texts()[0].artistName, "One");
   EXPECT_EQ(kept.texts()[0].albumName, "Two");
   EXPECT_EQ(kept.texts()[0].genreName, "Three");
+}
+
+TEST_F(TrackBatches, PutTitlesWhereTheyStay) {
+  TrackBatch batch;
+  read(batch, 3, false);
+  const std::string_view titles = batch.titles();
+  const std::string_view first = batch.texts()[0].title;
+  while (!reader_.atEnd()) read(batch, 1000, false);
+  EXPECT_EQ(titles, "FirstTitleTitle");
+  EXPECT_EQ(first.data(), titles.data());
 }
 
 }  // namespace

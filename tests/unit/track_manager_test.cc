@@ -259,6 +259,25 @@ TEST(TrackManager, SecondTrackOfAnIdIsNewAllTheSame) {
   EXPECT_THAT(trackList(manager), ElementsAre(3));
 }
 
+TEST(TrackManager, TakesTitlesThatAreInItsStoreAndCopiesAllOthers) {
+  TrackManager manager;
+  const std::string_view stored = manager.getTitleStore().keep("beforewithinbehind");
+  manager.takeTitlesIn(stored.substr(6, 6));
+  const auto isTaken = [&](std::string_view title) {
+    const Track& track = *manager.addTrack(title, 1, "a", 2, "b", 3, "c", 4, 0);
+    EXPECT_EQ(track.getTitle(), title);
+    return track.getTitle().data() == title.data();
+  };
+  EXPECT_TRUE(isTaken(stored.substr(6, 6)));
+  EXPECT_TRUE(isTaken(stored.substr(11, 1)));
+  EXPECT_FALSE(isTaken(stored.substr(5, 3)));
+  EXPECT_FALSE(isTaken(stored.substr(11, 2)));
+  EXPECT_FALSE(isTaken(stored.substr(12, 1)));
+  EXPECT_FALSE(isTaken("another"));
+  manager.takeTitlesIn({});
+  EXPECT_FALSE(isTaken(stored.substr(6, 6)));
+}
+
 // What a derived manager watches for.
 class WatchingManager : public TrackManager {
  public:
