@@ -82,11 +82,24 @@ void CategoryIndex::insert(std::uint32_t id, std::uint32_t track) {
 }
 
 LargeVector<std::uint32_t> CategoryIndex::tracksInOrder() const {
-  LargeVector<std::uint32_t> tracks;
+  return findOrder(false).tracks;
+}
+
+CategoryIndex::Order CategoryIndex::inOrder() const {
+  return findOrder(true);
+}
+
+CategoryIndex::Order CategoryIndex::findOrder(bool withStarts) const {
+  Order order;
+  const auto addStarts = [&](std::size_t begin, std::size_t end) {
+    for (std::size_t i = begin; i < end; ++i) order.starts.push_back(static_cast<std::uint32_t>(i));
+  };
+  LargeVector<std::uint32_t>& tracks = order.tracks;
   if (placed_) {
     tracks.reserve(placed_->size());
     for (const auto& [name, track] : *placed_) tracks.push_back(track);
-    return tracks;
+    if (withStarts) addStarts(0, tracks.size());
+    return order;
   }
 
   // There are far fewer names than entries: rank the names, then count the entries into place.
@@ -96,9 +109,17 @@ LargeVector<std::uint32_t> CategoryIndex::tracksInOrder() const {
   entries_.forEach([&](std::uint32_t name, std::uint32_t) { ++place[ranks[name] + 1]; });
   std::partial_sum(place.begin(), place.end(), place.begin());
   tracks.resize(entries_.size());
+  if (withStarts) {
+    // Names that are equal leave as many of the ranks behind theirs without entries.
+    for (std::size_t rank = 0; rank < names_.size(); ++rank) {
+      const bool isShared = rank + 1 < names_.size() && place[rank + 1] == place[rank + 2];
+      const bool isUsed = place[rank] < place[rank + 1];
+      if (isUsed) addStarts(place[rank], isShared ? place[rank + 1] : place[rank] + 1);
+    }
+  }
   entries_.forEach(
       [&](std::uint32_t name, std::uint32_t track) { tracks[place[ranks[name]]++] = track; });
-  return tracks;
+  return order;
 }
 
 std::vector<std::uint32_t> CategoryIndex::tracksOf(std::uint32_t id) const {

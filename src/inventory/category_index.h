@@ -64,6 +64,14 @@ class CategoryIndex {
   // The track numbers of all entries, in order.
   LargeVector<std::uint32_t> tracksInOrder() const;
 
+  // The same with the places among them where entries of another id may begin, in order: where ids
+  // have names of their own, those where they do.
+  struct Order {
+    LargeVector<std::uint32_t> tracks;
+    LargeVector<std::uint32_t> starts;
+  };
+  Order inOrder() const;
+
   // The track numbers of the id's entries, in order.
   std::vector<std::uint32_t> tracksOf(std::uint32_t id) const;
 
@@ -110,6 +118,7 @@ class CategoryIndex {
   void rename(Id& known, const NamedId& entry);
   void add(std::uint32_t position, std::uint32_t track);
   void placeEntries();
+  Order findOrder(bool withStarts) const;
 
   LargeVector<Name> names_;
   Ids ids_;

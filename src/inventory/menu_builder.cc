@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <numeric>
 #include <span>
 #include <string_view>
 #include <utility>
@@ -74,12 +75,35 @@ void forEachRun(const TrackIndex& index, const CategoryIndex& category, MenuTree
   if (!numbers.empty()) finish(numbers.subspan(begin));
 }
 
-// The same where tracks are of no interest in themselves.
+// The same where tracks are of no interest in themselves: then few of them are looked at.
 template <typename Start, typename Finish>
 void forEachRun(const TrackIndex& index, const CategoryIndex& category, MenuTree& tree,
                 std::uint32_t (Track::*idOf)() const, Start start, Finish finish) {
-  forEachRun(
-      index, category, tree, idOf, start, [](const Track&) {}, finish);
+  const TrackTable& tracks = index.getTracksByNumber();
+  CategoryIndex::Order order = category.inOrder();
+  const std::span<TrackIndex::Number> numbers = tree.keepNumbers(std::move(order.tracks));
+  if (Track::wereAnyChanged()) {
+    order.starts.resize(numbers.size());
+    std::iota(order.starts.begin(), order.starts.end(), 0U);
+  }
+  const auto trackAt = [&](std::size_t i) { return tracks[numbers[order.starts[i]]]; };
+  std::size_t begin = 0;
+  std::uint32_t id = 0;
+  forEachPrefetched(
+      order.starts.size(),
+      [&](std::size_t i) {
+        const Track& track = *trackAt(i);
+        if (i > 0 && (track.*idOf)() == id) return;
+        const std::size_t end = order.starts[i];
+        if (i > 0) finish(numbers.subspan(begin, end - begin));
+        begin = end;
+        id = (track.*idOf)();
+        start(track);
+      },
+      [&](std::size_t i) { prefetch(&numbers[order.starts[i]]); },
+      [&](std::size_t i) { prefetch(trackAt(i)); },
+      [&](std::size_t i) { prefetch(&trackAt(i)->getAlbum()); });
+  if (!numbers.empty()) finish(numbers.subspan(begin));
 }
 
 }  // namespace

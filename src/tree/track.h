@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <ostream>
@@ -50,8 +51,19 @@ class Track {
     mediaId_ = value;
     setNumber(0);
   }
-  void setAlbum(const Album& album) { album_ = &album; }  // with its artist and genre
-  void setRating(std::uint32_t value) { rating_ = value; }
+  // With its artist and genre.
+  void setAlbum(const Album& album) {
+    noteChange();
+    album_ = &album;
+  }
+  void setRating(std::uint32_t value) {
+    noteChange();
+    rating_ = value;
+  }
+
+  // Whether any track at all was given another album or rating after it had been registered: what a
+  // TrackIndex has entered tracks under may then not be what they have.
+  static bool wereAnyChanged() { return wereAnyChanged_; }
 
   // Says that the title's bytes will soon be looked at.
   void prefetchTitle() const {
@@ -60,6 +72,9 @@ class Track {
   }
 
  private:
+  void noteChange() {
+    if ((marks_ & kRegistered) != 0) wereAnyChanged_ = true;
+  }
   void setNumber(std::uint32_t number) { marks_ = (marks_ & ~kNumber) | number; }
 
   friend class TrackIndex;
@@ -73,6 +88,8 @@ class Track {
 
   static constexpr NamedId kNoName{0, {}};
   static constexpr Album kNoAlbum{0, {}, kNoName, kNoName};
+
+  static inline std::atomic<bool> wereAnyChanged_ = false;
 
   const char* title_ = nullptr;
   const Album* album_ = &kNoAlbum;

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <iterator>
 #include <map>
 #include <random>
 #include <string>
@@ -68,6 +69,15 @@ class PlainCategory {
     for (const auto& [id, track] : entries_) result.push_back(track);
     return result;
   }
+  // Places in the order where another id begins.
+  std::vector<std::uint32_t> starts() const {
+    std::vector<std::uint32_t> result;
+    std::uint32_t place = 0;
+    for (auto entry = entries_.begin(); entry != entries_.end(); ++entry, ++place) {
+      if (place == 0 || std::prev(entry)->first != entry->first) result.push_back(place);
+    }
+    return result;
+  }
   std::vector<std::uint32_t> tracksOf(std::uint32_t id) const {
     std::vector<std::uint32_t> result;
     for (const auto& [entryId, track] : entries_) {
@@ -126,6 +136,10 @@ class CategoryIndexChanges : public NamedCategory {
 
   void expectSame() {
     ASSERT_EQ(tracksInOrder(index_), plain_.tracks());
+    const CategoryIndex::Order order = index_.inOrder();
+    ASSERT_TRUE(std::ranges::equal(order.tracks, plain_.tracks()));
+    ASSERT_TRUE(std::ranges::includes(order.starts, plain_.starts()));
+    ASSERT_TRUE(order.starts.empty() || order.starts.back() < order.tracks.size());
     for (std::uint32_t id = 0; id < 12; ++id) {
       ASSERT_EQ(index_.tracksOf(id), plain_.tracksOf(id)) << id;
       ASSERT_EQ(nameOf(index_, id), plain_.nameOf(id)) << id;
@@ -238,6 +252,18 @@ TEST_F(NamedCategory, SameNameInAnotherCaseMovesNothing) {
   enter(1, "BETA");
   EXPECT_THAT(index_.tracksInOrder(), ElementsAre(1, 0, 2));
   EXPECT_EQ(nameOf(index_, 1), "BETA");
+}
+
+TEST_F(NamedCategory, EntriesWhoseNameNoOtherIdHasStartOnce) {
+  enter(1, "beta");
+  enter(2, "alpha");
+  enter(1, "BETA");
+  enter(3, "gamma");
+  enter(4, "Gamma");
+  enter(3, "gamma");
+  enter(5, "delta");
+  EXPECT_THAT(index_.inOrder().tracks, ElementsAre(1, 0, 2, 6, 3, 4, 5));
+  EXPECT_THAT(index_.inOrder().starts, ElementsAre(0, 1, 3, 4, 5, 6));
 }
 
 TEST_F(NamedCategory, EmptyNamesComeFirst) {
