@@ -29,22 +29,25 @@ void forEachPart(const TrackTable& tracks,
                     });
 }
 
-// What has the id of a node has to look for the record to share, as if it had been met before. A
-// menu's children are all nodes or all numbers.
+// What has the id of a node has to look for the record to share, as if it had been met before.
 void meetNodes(const MenuNode& top, RecurringIds& ids) {
-  std::vector<const MenuNode*> menus = {&top};
-  while (!menus.empty()) {
-    const MenuNode& menu = *menus.back();
-    menus.pop_back();
-    if (menu.childCount() == 0 || !menu.childAt(0).isNode()) continue;
-    const auto meet = [&](std::size_t i) {
-      const MenuNode& node = *menu.childAt(i).node();
+  std::vector<const MenuNode*> menus = {&top};  // whose children are nodes
+  for (std::size_t i = 0; i < menus.size(); ++i) {
+    const auto next = [&](std::size_t distance) -> const MenuNode& {
+      return *menus[std::min(i + distance, menus.size() - 1)];
+    };
+    prefetch(&next(12));
+    next(8).expectChildren(0);
+    next(4).expectChildren(1);
+    const MenuNode& menu = *menus[i];
+    const auto meet = [&](std::size_t child) {
+      const MenuNode& node = *menu.childAt(child).node();
       ids.meetOften(node.getMediaId());
-      if (node.childCount() > 0) menus.push_back(&node);
+      if (node.childCount() > 0 && !node.hasTrackNumbers()) menus.push_back(&node);
     };
     forEachPrefetched(
-        menu.childCount(), meet, [&](std::size_t i) { prefetch(menu.childAt(i).node()); },
-        [&](std::size_t i) { menu.childAt(i).node()->expectChildren(0); });
+        menu.childCount(), meet, [&](std::size_t child) { prefetch(menu.childAt(child).node()); },
+        [&](std::size_t child) { menu.childAt(child).node()->expectChildren(0); });
   }
 }
 
