@@ -1,9 +1,13 @@
 #include "output/one_table_layout.h"
 
+#include <cstddef>
+#include <vector>
+
 #include "output/data_record.h"
-#include "output/family_layout.h"
+#include "output/family_walk.h"
 #include "output/little_endian.h"
-#include "tree/prefetch.h"
+#include "output/walked_ahead.h"
+#include "tree/huge_pages.h"
 
 namespace Orvane {
 
@@ -13,14 +17,32 @@ class OneTable {
  public:
   explicit OneTable(NodeTable& table) : table_(table) {}
 
-  using Link = NodeTable::Link;
-
-  std::uint32_t size() const { return table_.size(); }
-  Link append(MenuNode& child) {
-    const Child place(&child);
-    return child.getNodeType() == NODE_TYPE_MEDIA ? table_.appendLeaf(place)
-                                                  : table_.append({place});
+  void take(const std::vector<LayoutStep>& steps) {
+    for (const LayoutStep& step : steps) {
+      switch (step.kind) {
+        case LayoutStep::Kind::kNode:
+          append(step);
+          break;
+        case LayoutStep::Kind::kLeaves:
+          appendLeaves(step.tracks);
+          break;
+        case LayoutStep::Kind::kFirstChild:
+          table_.setFirstChild(links_[step.place], step.firstChild);
+      }
+    }
   }
+
+ private:
+  void append(const LayoutStep& step) {
+    const Child child(step.node);
+    if (step.isLinked) {
+      links_.resize(step.place + std::size_t{1});
+      links_.back() = table_.append({child});
+    } else {
+      table_.appendLeaf(child);
+    }
+  }
+
   void appendLeaves(std::span<const std::uint32_t> tracks) {
     if (tracks.size() >= NodeTable::kLeastRun) {
       table_.appendLeaves(tracks);
@@ -28,23 +50,22 @@ class OneTable {
       for (const std::uint32_t track : tracks) table_.appendLeaf(Child::ofTrack(track));
     }
   }
-  void setFirstChild(Link link, std::uint32_t index) { table_.setFirstChild(link, index); }
-  static bool isDeferred(const MenuNode& /*child*/) { return false; }
-  static void expect(const MenuNode& child, int step) {
-    if (step == 0) prefetch(&child);
-  }
-  static void expectLeaves(std::span<const std::uint32_t> /*tracks*/) {}
 
- private:
   NodeTable& table_;
+  LargeVector<NodeTable::Link> links_;  // by place
 };
 
 }  // namespace
 
 std::uint32_t layoutNodeChildren(const MenuNode* node, NodeTable& table) {
-  if (node == nullptr) return kNoChildren;
+  if (node == nullptr || node->getNodeType() == NODE_TYPE_MEDIA) return kNoChildren;
+  const std::uint32_t first = table.size();
+  FamilyWalk walk(*node, first,
+                  {.isDeferred = [](const MenuNode&) { return false; },
+                   .hashOf = [](const MenuNode&) { return std::uint32_t{0}; }});
   OneTable oneTable(table);
-  return layoutFamilies(*node, oneTable);
+  forEachWalkedAhead(walk, [&](const std::vector<LayoutStep>& steps) { oneTable.take(steps); });
+  return first;
 }
 
 void fillNodeRecord(const MenuNode& node, std::span<std::uint8_t, kNodeRecordSize> record) {

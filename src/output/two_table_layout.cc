@@ -1,15 +1,15 @@
 #include "output/two_table_layout.h"
 
 #include <algorithm>
-#include <array>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <tuple>
+#include <vector>
 
-#include "output/family_layout.h"
+#include "output/family_walk.h"
+#include "output/walked_ahead.h"
 #include "tree/child_view.h"
+#include "tree/huge_pages.h"
 #include "tree/prefetch.h"
 
 namespace Orvane {
@@ -26,16 +26,58 @@ class TwoTables {
         dataTable_(dataTable),
         idMap_(idMap) {}
 
-  using Link = TreeTable::Link;
+  void take(const std::vector<LayoutStep>& steps) {
+    forEachPrefetched(
+        steps.size(), [&](std::size_t i) { take(steps[i]); },
+        [&](std::size_t i) { expect(steps[i], 0); }, [&](std::size_t i) { expect(steps[i], 1); });
+  }
 
-  std::uint32_t size() const { return treeTable_.size(); }
+  static bool isDeferred(const MenuNode& child) {
+    return child.getRecType() == RecType::kPlainMenu && child.getName() == "Playlists";
+  }
 
-  Link append(MenuNode& node) {
-    TreeRecord record{.dataIndex = findOrAdd(Child(&node), hashOf(node))};
-    const bool isLeaf = node.getNodeType() == NODE_TYPE_MEDIA && node.childCount() == 0;
-    if (isLeaf && !isDeferred(node)) return treeTable_.appendLeaf(record.dataIndex);
-    fillTreeRecord(node, record);
-    return treeTable_.append(record);
+ private:
+  static constexpr std::size_t kFewLeaves = 64;
+
+  void take(const LayoutStep& step) {
+    switch (step.kind) {
+      case LayoutStep::Kind::kNode:
+        append(step);
+        break;
+      case LayoutStep::Kind::kLeaves:
+        appendLeaves(step.tracks);
+        break;
+      case LayoutStep::Kind::kFirstChild:
+        treeTable_.setFirstChild(links_[step.place], step.firstChild);
+    }
+  }
+
+  // Asks, in two steps, for what take(step) looks at.
+  void expect(const LayoutStep& step, int part) const {
+    if (step.kind == LayoutStep::Kind::kNode && part == 0) {
+      prefetch(step.node);
+      idMap_.byNameAndId.expect(step.hash);
+    } else if (step.kind == LayoutStep::Kind::kNode) {
+      const Child shared = idMap_.byNameAndId.likely(step.hash).child;
+      if (shared.isNode()) prefetch(shared.node());
+    } else if (step.kind == LayoutStep::Kind::kLeaves && part == 0) {
+      prefetch(step.tracks.data());
+    } else if (step.kind == LayoutStep::Kind::kLeaves) {
+      expectLeaves(step.tracks);
+    }
+  }
+
+  void append(const LayoutStep& step) {
+    const std::uint32_t dataIndex = findOrAdd(Child(step.node), step.hash);
+    if (!step.isLinked && step.childCount == 0) {
+      treeTable_.appendLeaf(dataIndex);
+      return;
+    }
+    const TreeTable::Link link =
+        treeTable_.append({.childCount = step.childCount, .dataIndex = dataIndex});
+    if (!step.isLinked) return;
+    links_.resize(step.place + std::size_t{1});
+    links_.back() = link;
   }
 
   void appendLeaves(std::span<const std::uint32_t> tracks) {
@@ -53,49 +95,10 @@ class TwoTables {
     }
   }
 
-  void setFirstChild(Link link, std::uint32_t index) { treeTable_.setFirstChild(link, index); }
-
-  static bool isDeferred(const MenuNode& child) {
-    return child.getRecType() == RecType::kPlainMenu && child.getName() == "Playlists";
-  }
-
-  void expect(MenuNode& node, int step) {
-    if (step < 2) {
-      view_.expect(Child(&node), step);
-      if (step == 1) node.expectChildren(0);  // for their number
-    } else if (step == 2) {
-      const std::uint32_t hash = hashOf(node);
-      hashes_[placeOf(node)] = {&node, hash};
-      idMap_.byNameAndId.expect(hash);
-    } else {
-      const Child shared = idMap_.byNameAndId.likely(hashOf(node)).child;
-      if (shared.isNode()) prefetch(shared.node());
-    }
-  }
-
   void expectLeaves(std::span<const std::uint32_t> tracks) const {
     if (tracks.size() >= TreeTable::kLeastRun && idMap_.hashes.empty()) return;
     const auto first = tracks.first(std::min(tracks.size(), kFewLeaves));
     for (const std::uint32_t track : first) prefetch(&idMap_.records[track]);
-  }
-
- private:
-  static constexpr std::size_t kFewLeaves = 64;
-
-  // The hash of a node that was expected a while ago is mostly still known.
-  std::uint32_t hashOf(const MenuNode& node) const {
-    const Hashed& hashed = hashes_[placeOf(node)];
-    return hashed.node == &node ? hashed.hash : DataRecordIndex::hashOf(node);
-  }
-
-  struct Hashed {
-    const MenuNode* node = nullptr;
-    std::uint32_t hash = 0;
-  };
-  using Hashes = std::array<Hashed, 256>;
-
-  static std::size_t placeOf(const MenuNode& node) {
-    return std::bit_cast<std::uintptr_t>(&node) / alignof(MenuNode) % std::tuple_size_v<Hashes>;
   }
 
   void expectSearch(std::uint32_t track) const {
@@ -158,16 +161,20 @@ class TwoTables {
   TreeTable& treeTable_;
   DataTable& dataTable_;
   DataRecordIndex& idMap_;
-  Hashes hashes_;  // of nodes expected, each in a place that its address decides
+  LargeVector<TreeTable::Link> links_;  // by place
 };
 
 }  // namespace
 
 std::uint32_t layoutChildren(const MenuNode* node, TreeTable& treeTable, DataTable& dataTable,
                              DataRecordIndex& idMap) {
-  if (node == nullptr) return kNoChildren;
+  if (node == nullptr || node->getNodeType() == NODE_TYPE_MEDIA) return kNoChildren;
+  const std::uint32_t first = treeTable.size();
+  FamilyWalk walk(*node, first,
+                  {.isDeferred = TwoTables::isDeferred, .hashOf = DataRecordIndex::hashOf});
   TwoTables tables(node->getTrackTable(), treeTable, dataTable, idMap);
-  return layoutFamilies(*node, tables);
+  forEachWalkedAhead(walk, [&](const std::vector<LayoutStep>& steps) { tables.take(steps); });
+  return first;
 }
 
 }  // namespace Orvane

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "output/family_walk.h"
+#include "tree/made_ahead.h"
+#include "tree/parallel.h"
+
+namespace Orvane {
+
+// Calls `use` with all steps of the walk, some at a time, in order. Where that is worth it, another
+// thread walks ahead: to look at nodes and their names, all over the memory, is half of the work.
+template <typename Use>
+void forEachWalkedAhead(FamilyWalk& walk, Use use) {
+  constexpr std::size_t kBlocksAlone = 16;
+  const bool isAlone = usableProcessors() < 2;
+  std::vector<LayoutStep> steps;
+  for (std::size_t block = 0; isAlone || block < kBlocksAlone; ++block) {
+    if (!walk.take(steps)) return;
+    use(steps);
+  }
+  using Steps = std::vector<LayoutStep>;
+  forEachMadeAhead<Steps>([&](Steps& next) { return walk.take(next); }, [](Steps&) {}, use);
+}
+
+}  // namespace Orvane
