@@ -92,7 +92,9 @@ CategoryIndex::Order CategoryIndex::inOrder() const {
 CategoryIndex::Order CategoryIndex::findOrder(bool withStarts) const {
   Order order;
   const auto addStarts = [&](std::size_t begin, std::size_t end) {
-    for (std::size_t i = begin; i < end; ++i) order.starts.push_back(static_cast<std::uint32_t>(i));
+    for (; begin < end; ++begin) {
+      order.starts.push_back({static_cast<std::uint32_t>(begin), false});
+    }
   };
   LargeVector<std::uint32_t>& tracks = order.tracks;
   if (placed_) {
@@ -113,8 +115,11 @@ CategoryIndex::Order CategoryIndex::findOrder(bool withStarts) const {
     // Names that are equal leave as many of the ranks behind theirs without entries.
     for (std::size_t rank = 0; rank < names_.size(); ++rank) {
       const bool isShared = rank + 1 < names_.size() && place[rank + 1] == place[rank + 2];
-      const bool isUsed = place[rank] < place[rank + 1];
-      if (isUsed) addStarts(place[rank], isShared ? place[rank + 1] : place[rank] + 1);
+      if (isShared) {
+        addStarts(place[rank], place[rank + 1]);
+      } else if (place[rank] < place[rank + 1]) {
+        order.starts.push_back({static_cast<std::uint32_t>(place[rank]), true});
+      }
     }
   }
   entries_.forEach(

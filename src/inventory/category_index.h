@@ -64,11 +64,14 @@ class CategoryIndex {
   // The track numbers of all entries, in order.
   LargeVector<std::uint32_t> tracksInOrder() const;
 
-  // The same with the places among them where entries of another id may begin, in order: where ids
-  // have names of their own, those where they do.
+  // The same with all places among them where entries of another id may begin, in order.
+  struct Start {
+    std::uint32_t place;
+    bool isOnly;  // up to the next start there are all entries of one id
+  };
   struct Order {
     LargeVector<std::uint32_t> tracks;
-    LargeVector<std::uint32_t> starts;
+    LargeVector<Start> starts;
   };
   Order inOrder() const;
 

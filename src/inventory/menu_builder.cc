@@ -4,7 +4,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <numeric>
 #include <span>
 #include <string_view>
 #include <utility>
@@ -75,7 +74,8 @@ void forEachRun(const TrackIndex& index, const CategoryIndex& category, MenuTree
   if (!numbers.empty()) finish(numbers.subspan(begin));
 }
 
-// The same where tracks are of no interest in themselves: then few of them are looked at.
+// The same where tracks are of no interest in themselves: then few of them are looked at. `start`
+// is also told whether its run is all that there is of the id.
 template <typename Start, typename Finish>
 void forEachRun(const TrackIndex& index, const CategoryIndex& category, MenuTree& tree,
                 std::uint32_t (Track::*idOf)() const, Start start, Finish finish) {
@@ -83,10 +83,10 @@ void forEachRun(const TrackIndex& index, const CategoryIndex& category, MenuTree
   CategoryIndex::Order order = category.inOrder();
   const std::span<TrackIndex::Number> numbers = tree.keepNumbers(std::move(order.tracks));
   if (Track::wereAnyChanged()) {
-    order.starts.resize(numbers.size());
-    std::iota(order.starts.begin(), order.starts.end(), 0U);
+    order.starts.clear();
+    for (std::uint32_t i = 0; i < numbers.size(); ++i) order.starts.push_back({i, false});
   }
-  const auto trackAt = [&](std::size_t i) { return tracks[numbers[order.starts[i]]]; };
+  const auto trackAt = [&](std::size_t i) { return tracks[numbers[order.starts[i].place]]; };
   std::size_t begin = 0;
   std::uint32_t id = 0;
   forEachPrefetched(
@@ -94,13 +94,13 @@ void forEachRun(const TrackIndex& index, const CategoryIndex& category, MenuTree
       [&](std::size_t i) {
         const Track& track = *trackAt(i);
         if (i > 0 && (track.*idOf)() == id) return;
-        const std::size_t end = order.starts[i];
+        const std::size_t end = order.starts[i].place;
         if (i > 0) finish(numbers.subspan(begin, end - begin));
         begin = end;
         id = (track.*idOf)();
-        start(track);
+        start(track, order.starts[i].isOnly);
       },
-      [&](std::size_t i) { prefetch(&numbers[order.starts[i]]); },
+      [&](std::size_t i) { prefetch(&numbers[order.starts[i].place]); },
       [&](std::size_t i) { prefetch(trackAt(i)); },
       [&](std::size_t i) { prefetch(&trackAt(i)->getAlbum()); });
   if (!numbers.empty()) finish(numbers.subspan(begin));
@@ -145,16 +145,19 @@ void addAlbumsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& catego
   std::vector<MenuNode*> albums;
   PositionIndex albumIndex;
   std::uint32_t album = 0;
+  const auto findOrEnter = [&](const Track& track, std::uint32_t next) {
+    const std::string_view name = MenuNode::storedForm(track.getAlbumName());
+    return albumIndex.findOrInsert(hashNameAndId(name, track.getAlbumId()), next,
+                                   [&](std::uint32_t candidate) {
+                                     return albums[candidate]->getMediaId() == track.getAlbumId() &&
+                                            albums[candidate]->getName() == name;
+                                   });
+  };
   forEachRun(
       index, index.getAlbums(), tree, &Track::getAlbumId,
-      [&](const Track& track) {
-        const std::string_view name = MenuNode::storedForm(track.getAlbumName());
+      [&](const Track& track, bool isOnly) {
         const auto next = static_cast<std::uint32_t>(albums.size());
-        album = albumIndex.findOrInsert(
-            hashNameAndId(name, track.getAlbumId()), next, [&](std::uint32_t candidate) {
-              return albums[candidate]->getMediaId() == track.getAlbumId() &&
-                     albums[candidate]->getName() == name;
-            });
+        album = isOnly ? next : findOrEnter(track, next);
         if (album == next) albums.push_back(&appendAlbum(category, track));
       },
       [&](std::span<TrackIndex::Number> numbers) { runs.add(album, numbers); });
@@ -183,7 +186,7 @@ void addGenresMenu(const TrackManager& manager, MenuTree& tree, MenuNode& catego
   MenuNode* genre = nullptr;
   forEachRun(
       index, index.getGenres(), tree, &Track::getGenreId,
-      [&](const Track& track) {
+      [&](const Track& track, bool /*isOnly*/) {
         genre = &appendMenu(category, track.getGenreName(), RecType::kGenre, track.getGenreId());
       },
       [&](std::span<TrackIndex::Number> numbers) { leaves.append(*genre, numbers); });
@@ -211,7 +214,7 @@ void addRatingsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& categ
   std::uint32_t rating = 0;
   forEachRun(
       index, index.getRatings(), tree, &Track::getRating,
-      [&](const Track& track) { rating = track.getRating(); },
+      [&](const Track& track, bool /*isOnly*/) { rating = track.getRating(); },
       [&](std::span<TrackIndex::Number> numbers) {
         if (rating >= 1 && rating <= menus.size()) leaves.append(*menus[rating - 1], numbers);
       });
