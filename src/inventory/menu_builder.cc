@@ -74,8 +74,8 @@ void forEachRun(const TrackIndex& index, const CategoryIndex& category, MenuTree
   if (!numbers.empty()) finish(numbers.subspan(begin));
 }
 
-// The same where tracks are of no interest in themselves: then few of them are looked at. `start`
-// is also told whether its run is all that there is of the id.
+// The same where tracks are of no interest in themselves: then only those are looked at that may
+// begin a run, mostly few. `start` is also told whether its run is all that there is of the id.
 template <typename Start, typename Finish>
 void forEachRun(const TrackIndex& index, const CategoryIndex& category, MenuTree& tree,
                 std::uint32_t (Track::*idOf)() const, Start start, Finish finish) {

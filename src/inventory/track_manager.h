@@ -35,7 +35,7 @@ class TrackManager {
   virtual bool containsTrack(const Track& track) const;
   virtual bool hasTrack(std::uint32_t mediaId) const;
 
-  // Make and register a track or a playlist; the texts are copied.
+  // Make and register a track or a playlist; the texts are copied, but see takeTitlesIn().
   virtual Track* addTrack(std::string_view title, std::uint32_t mediaId,
                           std::string_view artistName, std::uint32_t artistId,
                           std::string_view albumName, std::uint32_t albumId,
@@ -44,8 +44,9 @@ class TrackManager {
 
   virtual Playlist* addPlaylist(std::string_view name, std::uint32_t playlistId);
 
-  // Where titles may be put for addTrack(), also by another thread than the one that calls it. It
-  // makes no copies of those within `titles`, which are there, until others are told.
+  // Titles may be put into the store before addTrack() is called with them, by one thread at a
+  // time, which need not be the one that calls it. Until the next call of takeTitlesIn(),
+  // addTrack() makes no copy of a title within `titles`, which have to be in the store.
   Arena& getTitleStore() { return titleStore_; }
   void takeTitlesIn(std::string_view titles) { titlesToTake_ = titles; }
 

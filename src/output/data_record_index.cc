@@ -31,6 +31,7 @@ void forEachPart(const TrackTable& tracks,
 
 // What has the id of a node has to look for the record to share, as if it had been met before.
 void meetNodes(const MenuNode& top, RecurringIds& ids) {
+  if (top.hasTrackNumbers()) return;
   std::vector<const MenuNode*> menus = {&top};  // whose children are nodes
   for (std::size_t i = 0; i < menus.size(); ++i) {
     const auto next = [&](std::size_t distance) -> const MenuNode& {

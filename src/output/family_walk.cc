@@ -11,8 +11,6 @@ namespace Orvane {
 
 namespace {
 
-constexpr std::size_t kMostSteps = 512;
-
 MenuNode& childOf(const MenuNode& parent, std::size_t i) {
   return *parent.childAt(i).node();
 }

@@ -36,7 +36,7 @@ struct LayoutStep {
 // siblings only the last is descended into; the others are linked to 0.
 //
 // Works with a stack of its own: menus may be nested as deep as memory allows. The tree must stay
-// as it is.
+// as it is. After an exception the walk is of no use any more.
 class FamilyWalk {
  public:
   struct Rules {
@@ -48,7 +48,8 @@ class FamilyWalk {
   // `size`.
   FamilyWalk(const MenuNode& node, std::uint32_t size, Rules rules);
 
-  // Replaces `steps` by the next ones, which is some hundreds. False at the end.
+  // Replaces `steps` by the next kMostSteps, at the end by fewer. False if there are none.
+  static constexpr std::size_t kMostSteps = 512;
   bool take(std::vector<LayoutStep>& steps);
 
  private:

@@ -19,6 +19,7 @@ void forEachWalkedAhead(FamilyWalk& walk, Use use) {
   for (std::size_t block = 0; isAlone || block < kBlocksAlone; ++block) {
     if (!walk.take(steps)) return;
     use(steps);
+    if (steps.size() < FamilyWalk::kMostSteps) return;
   }
   using Steps = std::vector<LayoutStep>;
   forEachMadeAhead<Steps>([&](Steps& next) { return walk.take(next); }, [](Steps&) {}, use);

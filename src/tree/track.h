@@ -61,8 +61,8 @@ class Track {
     rating_ = value;
   }
 
-  // Whether any track at all was given another album or rating after it had been registered: what a
-  // TrackIndex has entered tracks under may then not be what they have.
+  // Whether any track of this process was ever given another album or rating after it had been
+  // registered: what a TrackIndex has entered tracks under may then not be what they have.
   static bool wereAnyChanged() { return wereAnyChanged_; }
 
   // Says that the title's bytes will soon be looked at.

@@ -185,6 +185,22 @@ TEST_F(TwoTableLayout, LeavesOfTracksShareAsOthersDo) {
                   Links{kNone, 0, 1}, Links{kNone, 0, 2}, Links{kNone, 0, 2}, Links{kNone, 0, 3}));
 }
 
+TEST_F(TwoTableLayout, RootMayHaveLeavesOfTracksOnly) {
+  std::array<Track, 5> store;
+  TrackTable tracks;
+  for (Track& track : store) {
+    track.setMediaId(static_cast<std::uint32_t>(tracks.size()));
+    tracks.push_back(&track);
+  }
+  tree_.setTrackTable(tracks);
+  for (const std::uint32_t number : {1U, 2U, 3U, 4U, 5U, 1U}) root_.appendLeaf(tracks, number);
+  ASSERT_TRUE(root_.hasTrackNumbers());
+  const Tables tables = written();
+  EXPECT_THAT(tables.tree, ElementsAre(Links{1, 6, 0}, Links{kNone, 0, 1}, Links{kNone, 0, 2},
+                                       Links{kNone, 0, 3}, Links{kNone, 0, 4}, Links{kNone, 0, 5},
+                                       Links{kNone, 0, 1}));
+}
+
 // Where a menu has the id and the name of a track, they share, whichever comes first and however
 // deep the menu is.
 TEST_F(TwoTableLayout, TracksShareWithMenusAnywhere) {
