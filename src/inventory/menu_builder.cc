@@ -47,63 +47,48 @@ class LeafMaker {
   const TrackIndex& index_;
 };
 
-// Goes through the tracks of a category's entries, in order, and the runs of equal ids in them:
-// calls `start` with the first track of each run, `add` with each track, and `finish` with the
-// numbers of the run, which the tree keeps right behind those of the run before.
-template <typename Start, typename Add, typename Finish>
-void forEachRun(const TrackIndex& index, const CategoryIndex& category, MenuTree& tree,
-                std::uint32_t (Track::*idOf)() const, Start start, Add add, Finish finish) {
-  const TrackTable& tracks = index.getTracksByNumber();
-  const std::span<TrackIndex::Number> numbers = tree.keepNumbers(category.tracksInOrder());
-  std::size_t begin = 0;
-  std::uint32_t id = 0;
-  forEachPrefetched(
-      numbers.size(),
-      [&](std::size_t i) {
-        const Track& track = *tracks[numbers[i]];
-        if (i == 0 || (track.*idOf)() != id) {
-          if (i > 0) finish(numbers.subspan(begin, i - begin));
-          begin = i;
-          id = (track.*idOf)();
-          start(track);
-        }
-        add(track);
-      },
-      [&](std::size_t i) { prefetch(tracks[numbers[i]]); },
-      [&](std::size_t i) { prefetch(&tracks[numbers[i]]->getAlbum()); });
-  if (!numbers.empty()) finish(numbers.subspan(begin));
-}
+using Starts = std::span<const CategoryIndex::Start>;
 
-// The same where tracks are of no interest in themselves: then only those are looked at that may
-// begin a run, mostly few. `start` is also told whether its run is all that there is of the id.
-template <typename Start, typename Finish>
-void forEachRun(const TrackIndex& index, const CategoryIndex& category, MenuTree& tree,
-                std::uint32_t (Track::*idOf)() const, Start start, Finish finish) {
-  const TrackTable& tracks = index.getTracksByNumber();
-  CategoryIndex::Order order = category.inOrder();
-  const std::span<TrackIndex::Number> numbers = tree.keepNumbers(std::move(order.tracks));
-  if (Track::wereAnyChanged()) {
-    order.starts.clear();
-    for (std::uint32_t i = 0; i < numbers.size(); ++i) order.starts.push_back({i, false});
-  }
-  const auto trackAt = [&](std::size_t i) { return tracks[numbers[order.starts[i].place]]; };
+// Goes through the runs of equal ids among tracks' numbers: calls `start` with the first track of
+// each run and whether the run is known to be all that there is of the id, `look` with each track
+// that is looked at, and `finish` with the numbers of the run, which stand right behind those of
+// the run before. Looked at are the tracks at `starts`; without any, all are.
+template <typename Start, typename Look, typename Finish>
+void forEachRun(const TrackTable& tracks, std::span<TrackIndex::Number> numbers, Starts starts,
+                std::uint32_t (Track::*idOf)() const, Start start, Look look, Finish finish) {
+  const auto placeAt = [&](std::size_t i) { return starts.empty() ? i : starts[i].place; };
+  const auto trackAt = [&](std::size_t i) { return tracks[numbers[placeAt(i)]]; };
   std::size_t begin = 0;
   std::uint32_t id = 0;
   forEachPrefetched(
-      order.starts.size(),
+      starts.empty() ? numbers.size() : starts.size(),
       [&](std::size_t i) {
         const Track& track = *trackAt(i);
-        if (i > 0 && (track.*idOf)() == id) return;
-        const std::size_t end = order.starts[i].place;
-        if (i > 0) finish(numbers.subspan(begin, end - begin));
-        begin = end;
-        id = (track.*idOf)();
-        start(track, order.starts[i].isOnly);
+        if (i == 0 || (track.*idOf)() != id) {
+          const std::size_t end = placeAt(i);
+          if (i > 0) finish(numbers.subspan(begin, end - begin));
+          begin = end;
+          id = (track.*idOf)();
+          start(track, !starts.empty() && starts[i].isOnly);
+        }
+        look(track);
       },
-      [&](std::size_t i) { prefetch(&numbers[order.starts[i].place]); },
+      [&](std::size_t i) { prefetch(&numbers[placeAt(i)]); },
       [&](std::size_t i) { prefetch(trackAt(i)); },
       [&](std::size_t i) { prefetch(&trackAt(i)->getAlbum()); });
   if (!numbers.empty()) finish(numbers.subspan(begin));
+}
+
+// The same for all entries of a category, in order, where tracks are of no interest in themselves:
+// then mostly few are looked at. The tree keeps the numbers.
+template <typename Start, typename Finish>
+void forEachRun(const TrackIndex& index, const CategoryIndex& category, MenuTree& tree,
+                std::uint32_t (Track::*idOf)() const, Start start, Finish finish) {
+  CategoryIndex::Order order = category.inOrder();
+  const std::span<TrackIndex::Number> numbers = tree.keepNumbers(std::move(order.tracks));
+  const Starts starts = Track::wereAnyChanged() ? Starts() : Starts(order.starts);
+  forEachRun(
+      index.getTracksByNumber(), numbers, starts, idOf, start, [](const Track&) {}, finish);
 }
 
 }  // namespace
@@ -124,18 +109,17 @@ void addPlaylistsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& cat
 
 void addArtistsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& category) {
   const TrackIndex& index = manager.getIndex();
-  tree.setTrackTable(index.getTracksByNumber());
+  const TrackTable& tracks = index.getTracksByNumber();
+  tree.setTrackTable(tracks);
   ArtistAlbums albums;
   forEachRun(
-      index, index.getArtists(), tree, &Track::getArtistId,
-      [&](const Track& track) {
+      tracks, tree.keepNumbers(index.getArtists().tracksInOrder()), {}, &Track::getArtistId,
+      [&](const Track& track, bool /*isOnly*/) {
         albums.startArtist(
             appendMenu(category, track.getArtistName(), RecType::kArtist, track.getArtistId()));
       },
       [&](const Track& track) { albums.add(track); },
-      [&](std::span<TrackIndex::Number> numbers) {
-        albums.finishArtist(index.getTracksByNumber(), numbers);
-      });
+      [&](std::span<TrackIndex::Number> numbers) { albums.finishArtist(tracks, numbers); });
 }
 
 void addAlbumsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& category) {

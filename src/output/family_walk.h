@@ -48,8 +48,9 @@ class FamilyWalk {
   // `size`.
   FamilyWalk(const MenuNode& node, std::uint32_t size, Rules rules);
 
-  // Replaces `steps` by the next kMostSteps, at the end by fewer. False if there are none.
   static constexpr std::size_t kMostSteps = 512;
+
+  // Replaces `steps` by the next kMostSteps, at the end by fewer. False if there are none.
   bool take(std::vector<LayoutStep>& steps);
 
  private:

@@ -17,22 +17,6 @@ class OneTable {
  public:
   explicit OneTable(NodeTable& table) : table_(table) {}
 
-  void take(const std::vector<LayoutStep>& steps) {
-    for (const LayoutStep& step : steps) {
-      switch (step.kind) {
-        case LayoutStep::Kind::kNode:
-          append(step);
-          break;
-        case LayoutStep::Kind::kLeaves:
-          appendLeaves(step.tracks);
-          break;
-        case LayoutStep::Kind::kFirstChild:
-          table_.setFirstChild(links_[step.place], step.firstChild);
-      }
-    }
-  }
-
- private:
   void append(const LayoutStep& step) {
     const Child child(step.node);
     if (step.isLinked) {
@@ -51,6 +35,11 @@ class OneTable {
     }
   }
 
+  void setFirstChild(std::uint32_t place, std::uint32_t index) {
+    table_.setFirstChild(links_[place], index);
+  }
+
+ private:
   NodeTable& table_;
   LargeVector<NodeTable::Link> links_;  // by place
 };
@@ -64,7 +53,9 @@ std::uint32_t layoutNodeChildren(const MenuNode* node, NodeTable& table) {
                   {.isDeferred = [](const MenuNode&) { return false; },
                    .hashOf = [](const MenuNode&) { return std::uint32_t{0}; }});
   OneTable oneTable(table);
-  forEachWalkedAhead(walk, [&](const std::vector<LayoutStep>& steps) { oneTable.take(steps); });
+  forEachWalkedAhead(walk, [&](const std::vector<LayoutStep>& steps) {
+    for (const LayoutStep& step : steps) takeStep(step, oneTable);
+  });
   return first;
 }
 

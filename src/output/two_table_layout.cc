@@ -26,33 +26,11 @@ class TwoTables {
         dataTable_(dataTable),
         idMap_(idMap) {}
 
-  void take(const std::vector<LayoutStep>& steps) {
-    forEachPrefetched(
-        steps.size(), [&](std::size_t i) { take(steps[i]); },
-        [&](std::size_t i) { expect(steps[i], 0); }, [&](std::size_t i) { expect(steps[i], 1); });
-  }
-
   static bool isDeferred(const MenuNode& child) {
     return child.getRecType() == RecType::kPlainMenu && child.getName() == "Playlists";
   }
 
- private:
-  static constexpr std::size_t kFewLeaves = 64;
-
-  void take(const LayoutStep& step) {
-    switch (step.kind) {
-      case LayoutStep::Kind::kNode:
-        append(step);
-        break;
-      case LayoutStep::Kind::kLeaves:
-        appendLeaves(step.tracks);
-        break;
-      case LayoutStep::Kind::kFirstChild:
-        treeTable_.setFirstChild(links_[step.place], step.firstChild);
-    }
-  }
-
-  // Asks, in two steps, for what take(step) looks at.
+  // Asks, in two steps, for what takeStep() looks at.
   void expect(const LayoutStep& step, int part) const {
     if (step.kind == LayoutStep::Kind::kNode && part == 0) {
       prefetch(step.node);
@@ -94,6 +72,13 @@ class TwoTables {
       treeTable_.appendLeaves(tracks);
     }
   }
+
+  void setFirstChild(std::uint32_t place, std::uint32_t index) {
+    treeTable_.setFirstChild(links_[place], index);
+  }
+
+ private:
+  static constexpr std::size_t kFewLeaves = 64;
 
   void expectLeaves(std::span<const std::uint32_t> tracks) const {
     if (tracks.size() >= TreeTable::kLeastRun && idMap_.hashes.empty()) return;
@@ -173,7 +158,12 @@ std::uint32_t layoutChildren(const MenuNode* node, TreeTable& treeTable, DataTab
   FamilyWalk walk(*node, first,
                   {.isDeferred = TwoTables::isDeferred, .hashOf = DataRecordIndex::hashOf});
   TwoTables tables(node->getTrackTable(), treeTable, dataTable, idMap);
-  forEachWalkedAhead(walk, [&](const std::vector<LayoutStep>& steps) { tables.take(steps); });
+  forEachWalkedAhead(walk, [&](const std::vector<LayoutStep>& steps) {
+    forEachPrefetched(
+        steps.size(), [&](std::size_t i) { takeStep(steps[i], tables); },
+        [&](std::size_t i) { tables.expect(steps[i], 0); },
+        [&](std::size_t i) { tables.expect(steps[i], 1); });
+  });
   return first;
 }
 

@@ -9,6 +9,21 @@
 
 namespace Orvane {
 
+// Has a layout take a step.
+template <typename Layout>
+void takeStep(const LayoutStep& step, Layout& layout) {
+  switch (step.kind) {
+    case LayoutStep::Kind::kNode:
+      layout.append(step);
+      break;
+    case LayoutStep::Kind::kLeaves:
+      layout.appendLeaves(step.tracks);
+      break;
+    case LayoutStep::Kind::kFirstChild:
+      layout.setFirstChild(step.place, step.firstChild);
+  }
+}
+
 // Calls `use` with all steps of the walk, some at a time, in order. Where that is worth it, another
 // thread walks ahead: to look at nodes and their names, all over the memory, is half of the work.
 template <typename Use>
