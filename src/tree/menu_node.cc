@@ -54,11 +54,30 @@ void MenuNode::freeOwn() {
   delete branch_;
 }
 
-MenuNode::Branch& MenuNode::ownBranch() {
-  if (branch_->isShared) {
-    branch_ = branch_->arena() == nullptr ? new Branch() : branch_->arena()->makeBranch();
+MenuNode::Branch& MenuNode::ownBranch() const {
+  if (!branch_->isShared) return *branch_;
+  NodeArena* const arena = branch_->arena();
+  if (branch_->hasNumbers) {
+    branch_ = &copyOfBranch(*arena);
+  } else {
+    branch_ = arena == nullptr ? new Branch() : arena->makeBranch();
   }
   return *branch_;
+}
+
+// For a node that is parted from its twin.
+MenuNode::Branch& MenuNode::copyOfBranch(NodeArena& arena) const {
+  Branch& copy = *arena.makeBranch();
+  if (branch_->rare != nullptr) {
+    copy.rare = arena.makeRare();
+    *copy.rare = *branch_->rare;
+  }
+  copy.count = branch_->count;
+  copy.capacity = std::bit_ceil(copy.count);
+  copy.numbers = arena.makeArray<std::uint32_t>(copy.capacity);
+  std::copy(branch_->numbers, branch_->numbers + copy.count, copy.numbers);
+  copy.hasNumbers = true;
+  return copy;
 }
 
 MenuNode::Rare& MenuNode::ownRare() {
@@ -244,13 +263,28 @@ void MenuNode::appendLeaves(const TrackTable& tracks, std::span<std::uint32_t> n
   }
 }
 
+MenuNode& MenuNode::appendTwinOf(MenuNode& menu) {
+  MenuNode* const twin = makeChild();
+  growChildren();
+  twin->name_ = menu.name_;
+  twin->branch_ = menu.branch_;
+  twin->mediaId_ = menu.mediaId_;
+  twin->nodeType_ = menu.nodeType_;
+  twin->recType_ = menu.recType_;
+  twin->rating_ = menu.rating_;
+  twin->nameSize_ = menu.nameSize_;
+  menu.branch_->isShared = true;
+  link(twin);
+  return *twin;
+}
+
 const TrackTable* MenuNode::getTrackTable() const {
   return branch_->arena() == nullptr ? nullptr : branch_->arena()->getTrackTable();
 }
 
 // When memory runs out on the way, all are still numbers.
 void MenuNode::makeNodesOfNumbers() const {
-  Branch& branch = *branch_;
+  Branch& branch = ownBranch();
   NodeArena& arena = *branch.arena();
   const TrackTable& tracks = *arena.getTrackTable();
   const std::uint32_t capacity = std::bit_ceil(branch.count);
@@ -281,14 +315,17 @@ void MenuNode::discardChild(MenuNode* child) {
   if (branch_->arena() == nullptr) delete child;
 }
 
+// A cursor moves once the children are nodes: before that it may be a twin's, too.
 MenuNode::Position MenuNode::firstChild() {
+  const Position begin = childrenBegin();
   if (branch_->count > 0) branch_->cursor = 0;
-  return childrenBegin();
+  return begin;
 }
 
 MenuNode::Position MenuNode::nextChild() {
+  const Position begin = childrenBegin();
   if (hasMoreChildren()) ++branch_->cursor;
-  return childrenBegin() + branch_->cursor;
+  return begin + branch_->cursor;
 }
 
 template <typename Predicate>

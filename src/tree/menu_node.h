@@ -154,6 +154,11 @@ class MenuNode {
   // MenuTree::keepNumbers.
   void appendLeaves(const TrackTable& tracks, std::span<std::uint32_t> numbers);
 
+  // Appends a menu that looks like `menu`, with leaves of the same tracks, and returns it: a twin.
+  // The children of `menu` are numbers, its tree is this node's, and it has no twin yet. Until one
+  // of the two changes they share what they hold, so that it is put into order once for both.
+  MenuNode& appendTwinOf(MenuNode& menu);
+
   // The table in which the numbers among the children are looked up, here and beneath; nullptr when
   // there can't be any.
   const TrackTable* getTrackTable() const;
@@ -178,8 +183,8 @@ class MenuNode {
   // Whether there are children, and all of them are numbers.
   bool hasTrackNumbers() const { return branch_->hasNumbers; }
 
-  // The children when they are numbers, which may be put in another order; else nothing. Good until
-  // one is appended or asked for as a node.
+  // The children when they are numbers, which may be put in another order, that of a twin, too;
+  // else nothing. Good until one is appended or asked for as a node.
   std::span<std::uint32_t> trackNumbers() {
     if (!branch_->hasNumbers) return {};
     return {branch_->numbers, branch_->count};
@@ -188,6 +193,14 @@ class MenuNode {
     if (!branch_->hasNumbers) return {};
     return {branch_->numbers, branch_->count};
   }
+
+  // Whether it shares its children's numbers with a twin, or did until that one changed. Whoever
+  // puts them into another order is to do so once for both, and can note here, for both, that one
+  // has been met; or else to part the two first, which gives the node numbers of its own.
+  bool hasTwin() const { return branch_->hasNumbers && branch_->isShared; }
+  bool isMet() const { return branch_->isMet; }
+  void setMet(bool isMet) { branch_->isMet = isMet; }  // only if hasTwin()
+  void partFromTwin() { static_cast<void>(ownBranch()); }
 
   // Positions are those of nodes: children that are numbers become nodes first, for which memory
   // may run out, and which two threads must not do at once. So it is in all that follows.
@@ -225,7 +238,7 @@ class MenuNode {
   };
 
   // What a node has beyond the 24 bytes. Nodes that need nothing of it share one without contents,
-  // the arena's or, outside arenas, a static one.
+  // the arena's or, outside arenas, a static one; two twins share one with numbers.
   struct Branch {
     explicit Branch(NodeArena* where = nullptr, bool isForMany = false)
         : inArena(where), isShared(isForMany), standsAlone(where == nullptr) {}
@@ -248,6 +261,7 @@ class MenuNode {
     bool isShared;
     bool standsAlone;
     bool hasNumbers = false;
+    bool isMet = false;  // see setMet()
   };
   static_assert(sizeof(void*) != 8 || sizeof(Branch) == 40, "each menu of a million has one");
 
@@ -258,7 +272,8 @@ class MenuNode {
 
   bool isTrackLeaf() const { return nodeType_ == kTrackLeaf; }
   void leaveTrack();
-  Branch& ownBranch();
+  Branch& ownBranch() const;
+  Branch& copyOfBranch(NodeArena& arena) const;
   Rare& ownRare();
   void setNumber(std::uint8_t MenuNode::*field, std::uint32_t Rare::*wideField,
                  std::uint32_t value);
@@ -290,7 +305,7 @@ class MenuNode {
     const char* name_ = "";
     const Track* track_;  // of a track's leaf
   };
-  Branch* branch_;
+  mutable Branch* branch_;  // a twin's becomes its own when its leaves become nodes
   std::uint32_t mediaId_ = 0;
   std::uint8_t nodeType_ = 0;
   std::uint8_t recType_ = 0;

@@ -33,15 +33,31 @@ bool hasSortedChildren(const MenuNode& menu) {
 class ChildSorter {
  public:
   explicit ChildSorter(const TrackTable* tracks) : tracks_(tracks) {}
+  ChildSorter(const ChildSorter&) = delete;
+  ChildSorter& operator=(const ChildSorter&) = delete;
+  ~ChildSorter() {
+    forEachAwaited([](MenuNode& /*menu*/) {});
+  }
 
   // Has to see all menus, before any is sorted.
   void add(MenuNode& menu) {
+    const bool hasTwin = menu.hasTwin();
+    if (hasTwin && menu.isMet()) {
+      menu.setMet(false);
+      --twinsAwaited_;
+      return;
+    }
     (menu.childCount() >= kLarge ? large_ : others_).push_back(&menu);
     childCount_ += menu.childCount();
     hasNumbers_ = hasNumbers_ || menu.hasTrackNumbers();
+    if (!hasTwin) return;
+    menu.setMet(true);
+    ++twinsAwaited_;
   }
 
   void sortAll() {
+    // A twin that isn't to be sorted keeps the order it has.
+    forEachAwaited([](MenuNode& menu) { menu.partFromTwin(); });
     if (hasNumbers_) rankTitles();
     // The largest first, so that no worker is left with one at the end; the others as they stand in
     // memory.
@@ -69,6 +85,19 @@ class ChildSorter {
     std::uint32_t rank;
     std::uint32_t track;
   };
+
+  // Calls `use` with the menus whose twins haven't been met. None is awaited any more.
+  template <typename Use>
+  void forEachAwaited(Use use) {
+    for (const auto* const menus : {&large_, &others_}) {
+      for (auto menu = menus->begin(); twinsAwaited_ > 0 && menu != menus->end(); ++menu) {
+        if (!(*menu)->isMet()) continue;
+        (*menu)->setMet(false);
+        --twinsAwaited_;
+        use(**menu);
+      }
+    }
+  }
 
   // All of them: hardly any track is in no menu that is sorted.
   void rankTitles() {
@@ -153,6 +182,7 @@ class ChildSorter {
   LargeVector<MenuNode*> large_;
   LargeVector<MenuNode*> others_;
   std::size_t childCount_ = 0;  // of all of them
+  std::size_t twinsAwaited_ = 0;
   bool hasNumbers_ = false;
 };
 
@@ -166,12 +196,15 @@ void MenuTree::sortTree(MenuNode* node) {
     MenuNode& menu = *menus.back();
     menus.pop_back();
     if (menu.hasTrackNumbers()) continue;
+    const auto pending = static_cast<std::ptrdiff_t>(menus.size());
     for (auto place = menu.childrenBegin(); place != menu.childrenEnd(); ++place) {
       MenuNode& child = **place;
       if (child.childCount() == 0) continue;
       if (hasSortedChildren(child)) sorter.add(child);
       if (child.getNodeType() != NODE_TYPE_MEDIA) menus.push_back(&child);
     }
+    // The first child comes next: so all are met in the order in which they were made.
+    std::reverse(menus.begin() + pending, menus.end());
   }
   sorter.sortAll();
 }
