@@ -8,7 +8,6 @@
 
 #include "inventory/name_folding.h"
 #include "tree/name_bytes.h"
-#include "tree/name_ranks.h"
 
 namespace Orvane {
 
@@ -22,7 +21,9 @@ bool CategoryIndex::orders(std::uint32_t a, std::uint32_t b) const {
 CategoryIndex::Id& CategoryIndex::enterId(std::uint32_t id) {
   if (Id* const known = ids_.find(id, hintOf(id))) return *known;
   const auto position = static_cast<std::uint32_t>(ids_.size());
-  names_.resize(position + 1);  // which has that many where there was no memory for what follows
+  // These have that many where there was no memory for what follows.
+  areUnlike_.resize(position + std::size_t{1});
+  names_.resize(position + std::size_t{1});
   names_[position].id = id;
   return ids_.enter({id, position, nullptr});
 }
@@ -31,6 +32,7 @@ CategoryIndex::Id& CategoryIndex::enterId(std::uint32_t id) {
 void CategoryIndex::rename(Id& known, const NamedId& entry) {
   if (known.named == &entry) return;
   const bool isNew = known.named == nullptr;
+  if (!isNew) areUnlike_[known.position] = true;
   if (isNew || known.named->name() != entry.name()) {
     const std::string folded = foldName(entry.name());
     Name& name = names_[known.position];
@@ -81,49 +83,106 @@ void CategoryIndex::insert(std::uint32_t id, std::uint32_t track) {
   add(position, track);
 }
 
-LargeVector<std::uint32_t> CategoryIndex::tracksInOrder() const {
-  return findOrder(false).tracks;
-}
+// Where the entries go that are in no order yet: there are far fewer names than entries, so these
+// are counted into place.
+class CategoryIndex::Places {
+ public:
+  Places(const CategoryIndex& index, std::span<const std::uint32_t> leftOut)
+      : index_(index), leftOut_(leftOut), counts_(index.names_.size()), places_(counts_.size()) {
+    index.entries_.forEach(
+        [this](std::uint32_t name, std::uint32_t /*track*/) { ++counts_[name]; });
+  }
 
-CategoryIndex::Order CategoryIndex::inOrder() const {
-  return findOrder(true);
-}
-
-CategoryIndex::Order CategoryIndex::findOrder(bool withStarts) const {
-  Order order;
-  const auto addStarts = [&](std::size_t begin, std::size_t end) {
-    for (; begin < end; ++begin) {
-      order.starts.push_back({static_cast<std::uint32_t>(begin), false});
+  // Gives the next places to the entries of the ids at these positions, in the order in which they
+  // came, and tells where other ids may begin.
+  void give(std::span<const std::uint32_t> positions, LargeVector<Start>& starts) {
+    const std::uint32_t first = positions.front();
+    const std::uint32_t begin = size_;
+    for (const std::uint32_t position : positions) {
+      places_[position].of = first;
+      size_ += counts_[position];
     }
+    places_[first].next = begin;
+    if (positions.size() > 1) {
+      for (std::uint32_t place = begin; place < size_; ++place) starts.push_back({.place = place});
+    } else if (size_ > begin) {
+      const bool isLeftOut = first < leftOut_.size() && leftOut_[first] == size_ - begin;
+      starts.push_back({.place = begin,
+                        .position = first,
+                        .isOnly = true,
+                        .isAlike = !index_.areUnlike_[first],
+                        .isLeftOut = isLeftOut});
+      if (!isLeftOut) return;
+      places_[first].of = kNone;
+      size_ = begin;
+    }
+  }
+
+  LargeVector<std::uint32_t> putTracks() {
+    LargeVector<std::uint32_t> tracks(size_);
+    if (size_ == 0) return tracks;  // without a look at all those left out
+    index_.entries_.forEach([&](std::uint32_t name, std::uint32_t track) {
+      const std::uint32_t first = places_[name].of;
+      if (first != kNone) tracks[places_[first].next++] = track;
+    });
+    return tracks;
+  }
+
+ private:
+  static constexpr std::uint32_t kNone = 0xFFFFFFFF;
+
+  struct Place {
+    std::uint32_t of = kNone;  // the position that has the next place, or kNone for none at all
+    std::uint32_t next = 0;
   };
-  LargeVector<std::uint32_t>& tracks = order.tracks;
+
+  const CategoryIndex& index_;
+  std::span<const std::uint32_t> leftOut_;
+  LargeVector<std::uint32_t> counts_;
+  LargeVector<Place> places_;
+  std::uint32_t size_ = 0;
+};
+
+// Positions in the order of the names, those of equal ones counting up.
+LargeVector<std::uint32_t> CategoryIndex::positionsByName(const NameRanks& ranks) const {
+  LargeVector<std::uint32_t> equalBefore(names_.size());  // by rank
+  LargeVector<std::uint32_t> positions(names_.size());
+  for (std::uint32_t position = 0; position < names_.size(); ++position) {
+    const std::uint32_t rank = ranks[position];
+    positions[rank + equalBefore[rank]++] = position;
+  }
+  return positions;
+}
+
+CategoryIndex::Order CategoryIndex::findOrder(bool areIdsApart,
+                                              std::span<const std::uint32_t> leftOut) const {
+  Order order;
   if (placed_) {
-    tracks.reserve(placed_->size());
-    for (const auto& [name, track] : *placed_) tracks.push_back(track);
-    if (withStarts) addStarts(0, tracks.size());
+    order.tracks.reserve(placed_->size());
+    for (const auto& [name, track] : *placed_) {
+      order.starts.push_back({.place = static_cast<std::uint32_t>(order.tracks.size())});
+      order.tracks.push_back(track);
+    }
     return order;
   }
-
-  // There are far fewer names than entries: rank the names, then count the entries into place.
   NameRanks ranks;
   ranks.rank(names_.size(), [this](std::size_t position) { return names_[position].folded(); });
-  LargeVector<std::size_t> place(names_.size() + 1);  // by rank
-  entries_.forEach([&](std::uint32_t name, std::uint32_t) { ++place[ranks[name] + 1]; });
-  std::partial_sum(place.begin(), place.end(), place.begin());
-  tracks.resize(entries_.size());
-  if (withStarts) {
-    // Names that are equal leave as many of the ranks behind theirs without entries.
-    for (std::size_t rank = 0; rank < names_.size(); ++rank) {
-      const bool isShared = rank + 1 < names_.size() && place[rank + 1] == place[rank + 2];
-      if (isShared) {
-        addStarts(place[rank], place[rank + 1]);
-      } else if (place[rank] < place[rank + 1]) {
-        order.starts.push_back({static_cast<std::uint32_t>(place[rank]), true});
-      }
+  const LargeVector<std::uint32_t> positions = positionsByName(ranks);
+  Places places(*this, leftOut);
+  const std::span<const std::uint32_t> all = positions;
+  for (std::size_t first = 0, end = 0; first < all.size(); first = end) {
+    bool areApart = areIdsApart;
+    for (; end < all.size() && ranks[all[end]] == ranks[all[first]]; ++end) {
+      areApart = areApart && !areUnlike_[all[end]];
+    }
+    if (areApart) {
+      // Ids are numbered as they first come up.
+      for (std::size_t i = first; i < end; ++i) places.give(all.subspan(i, 1), order.starts);
+    } else {
+      places.give(all.subspan(first, end - first), order.starts);
     }
   }
-  entries_.forEach(
-      [&](std::uint32_t name, std::uint32_t track) { tracks[place[ranks[name]]++] = track; });
+  order.tracks = places.putTracks();
   return order;
 }
 
@@ -167,6 +226,7 @@ void CategoryIndex::clear() {
   placedEntries_.clear();
   entries_.clear();
   release(names_);
+  areUnlike_.clear();
   ids_.clear();
   hints_.fill({});
   foldedNames_.clear();

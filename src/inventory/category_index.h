@@ -14,6 +14,7 @@
 #include "tree/arena.h"
 #include "tree/arena_allocator.h"
 #include "tree/huge_pages.h"
+#include "tree/name_ranks.h"
 #include "tree/named_id.h"
 #include "tree/prefetch.h"
 
@@ -62,18 +63,41 @@ class CategoryIndex {
   }
 
   // The track numbers of all entries, in order.
-  LargeVector<std::uint32_t> tracksInOrder() const;
+  LargeVector<std::uint32_t> tracksInOrder() const { return inOrder().tracks; }
 
-  // The same with all places among them where entries of another id may begin, in order.
+  // Where entries of another id may begin.
   struct Start {
-    std::uint32_t place;
-    bool isOnly;  // up to the next start there are all entries of one id
+    std::uint32_t place = 0;
+    std::uint32_t position = 0;  // of the id, if isOnly: see positionOf()
+    bool isOnly = false;         // up to the next start there are all entries of one id
+    bool isAlike = false;        // and all of them were inserted with the same NamedId
+    bool isLeftOut = false;      // or would be, as inOrder() was asked to leave them out
   };
   struct Order {
     LargeVector<std::uint32_t> tracks;
-    LargeVector<Start> starts;
+    LargeVector<Start> starts;  // all, in order
   };
-  Order inOrder() const;
+
+  // The same, without the entries of each id that has as many as `leftOut` says at the position of
+  // the id. Positions behind its end stay, as do ids whose name others have.
+  Order inOrder(std::span<const std::uint32_t> leftOut = {}) const {
+    return findOrder(false, leftOut);
+  }
+
+  // The same, but where several ids have one name, and each came with one NamedId only, the entries
+  // of each stand together, the ids in the order of their first entries. Not once the names don't
+  // determine the order any more.
+  Order inOrderOfIds() const { return findOrder(true, {}); }
+
+  // Ids are numbered from 0 on in the order in which they came. positionCount() for others.
+  std::uint32_t positionOf(std::uint32_t id) const {
+    const Id* const known = ids_.find(id);
+    return known == nullptr ? positionCount() : known->position;
+  }
+  std::uint32_t positionCount() const { return static_cast<std::uint32_t>(ids_.size()); }
+
+  // Says that positionOf(id) will soon be asked for.
+  void expectPosition(std::uint32_t id) const { ids_.expect(id); }
 
   // The track numbers of the id's entries, in order.
   std::vector<std::uint32_t> tracksOf(std::uint32_t id) const;
@@ -121,9 +145,12 @@ class CategoryIndex {
   void rename(Id& known, const NamedId& entry);
   void add(std::uint32_t position, std::uint32_t track);
   void placeEntries();
-  Order findOrder(bool withStarts) const;
+  class Places;
+  Order findOrder(bool areIdsApart, std::span<const std::uint32_t> leftOut) const;
+  LargeVector<std::uint32_t> positionsByName(const NameRanks& ranks) const;
 
   LargeVector<Name> names_;
+  std::vector<bool> areUnlike_;  // by position: whether an id came with several NamedIds
   Ids ids_;
   // Where ids were found, for each in the place that its last bits give: an id is asked for its
   // name several times, then given an entry.

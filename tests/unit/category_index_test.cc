@@ -11,6 +11,7 @@
 #include <iterator>
 #include <map>
 #include <random>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -49,6 +50,7 @@ class PlainCategory {
   void insert(std::uint32_t id, const std::string& name, std::uint32_t track) {
     names_[id] = name;
     entries_.emplace(id, track);
+    ids_[track] = id;
   }
   void eraseTracks(const std::vector<std::uint32_t>& tracks) {
     // One after the other: the order in which entries go decides what shape is left.
@@ -87,8 +89,38 @@ class PlainCategory {
   }
   std::string nameOf(std::uint32_t id) const { return names_.count(id) == 0 ? "" : names_.at(id); }
 
+  std::uint32_t idOf(std::uint32_t track) const { return ids_.at(track); }
+  bool hasNameToItself(std::uint32_t id) const { return entries_.count(id) == tracksOf(id).size(); }
+  // Whether none of the ids with the name of this one is in there.
+  bool areAllAlike(std::uint32_t id, const std::set<std::uint32_t>& unlike) const {
+    const auto [begin, end] = entries_.equal_range(id);
+    return std::none_of(begin, end,
+                        [&](const auto& entry) { return unlike.count(entry.first) > 0; });
+  }
+  // The tracks in order, but those of ids of one name id by id as they first come up, unless some
+  // of these are in there.
+  std::vector<std::uint32_t> tracksWithIdsApart(const std::set<std::uint32_t>& unlike) const {
+    std::vector<std::uint32_t> result;
+    for (auto entry = entries_.begin(); entry != entries_.end();) {
+      const auto [begin, end] = entries_.equal_range(entry->first);
+      std::vector<std::uint32_t> ids;
+      for (; entry != end; ++entry) {
+        if (std::ranges::count(ids, entry->first) == 0) ids.push_back(entry->first);
+      }
+      if (!areAllAlike(ids.front(), unlike)) {
+        std::for_each(begin, end, [&](const auto& each) { result.push_back(each.second); });
+        continue;
+      }
+      for (const std::uint32_t id : ids) {
+        for (const std::uint32_t track : tracksOf(id)) result.push_back(track);
+      }
+    }
+    return result;
+  }
+
  private:
   Names names_;
+  std::map<std::uint32_t, std::uint32_t> ids_;  // by track
   std::multimap<std::uint32_t, std::uint32_t, LiveOrder> entries_{LiveOrder{&names_}};
 };
 
@@ -119,9 +151,28 @@ class NamedCategory : public ::testing::Test {
 
 class CategoryIndexChanges : public NamedCategory {
  protected:
+  // Every second time with the NamedId that came before, if it has the name.
   void insert(std::uint32_t id, const std::string& name) {
     plain_.insert(id, name, nextTrack_);
-    enter(id, name);
+    const auto last = last_.find(id);
+    if (last != last_.end() && last->second->name() == name && below(2) == 0) {
+      index_.insert(*last->second, nextTrack_++);
+      return;
+    }
+    if (last != last_.end()) {
+      unlike_.insert(id);
+      const Names names{{0, std::string(last->second->name())}, {1, name}};
+      const LiveOrder order{&names};
+      isPlaced_ = isPlaced_ || order(0, 1) || order(1, 0);
+    }
+    last_[id] = &enter(id, name);
+  }
+  void clear() {
+    index_.clear();
+    plain_.clear();
+    last_.clear();
+    unlike_.clear();
+    isPlaced_ = false;
   }
 
   std::uint32_t below(std::size_t limit) { return static_cast<std::uint32_t>(random_() % limit); }
@@ -141,22 +192,87 @@ class CategoryIndexChanges : public NamedCategory {
     ASSERT_TRUE(
         std::ranges::includes(order.starts, plain_.starts(), {}, &CategoryIndex::Start::place));
     ASSERT_TRUE(order.starts.empty() || order.starts.back().place < order.tracks.size());
+    ASSERT_NO_FATAL_FAILURE(expectSameWithIdsApart(order));
+    ASSERT_NO_FATAL_FAILURE(expectSameWithIdsLeftOut(order));
     for (std::uint32_t id = 0; id < 12; ++id) {
       ASSERT_EQ(index_.tracksOf(id), plain_.tracksOf(id)) << id;
       ASSERT_EQ(nameOf(index_, id), plain_.nameOf(id)) << id;
     }
   }
 
+  void expectSameWithIdsApart(const CategoryIndex::Order& order) {
+    const CategoryIndex::Order apart = index_.inOrderOfIds();
+    // Where all is in place already, it stays there.
+    ASSERT_TRUE(std::ranges::equal(
+        apart.tracks, isPlaced_ ? plain_.tracks() : plain_.tracksWithIdsApart(unlike_)));
+    if (isPlaced_) return;
+    std::set<std::uint32_t> alone;
+    std::set<std::uint32_t> alike;
+    for (std::uint32_t id = 0; id < 12; ++id) {
+      if (last_.count(id) == 0) continue;
+      if (plain_.hasNameToItself(id)) alone.insert(id);
+      if (plain_.areAllAlike(id, unlike_)) alike.insert(id);
+    }
+    for (std::size_t i = 0; i < apart.starts.size(); ++i) {
+      const CategoryIndex::Start& start = apart.starts[i];
+      const std::uint32_t end = i + 1 < apart.starts.size()
+                                    ? apart.starts[i + 1].place
+                                    : static_cast<std::uint32_t>(apart.tracks.size());
+      const std::uint32_t id = plain_.idOf(apart.tracks[start.place]);
+      ASSERT_EQ(start.isOnly, alone.count(id) + alike.count(id) > 0);
+      if (!start.isOnly) continue;
+      ASSERT_EQ(end - start.place, plain_.tracksOf(id).size());
+      ASSERT_EQ(start.position, index_.positionOf(id));
+      ASSERT_EQ(start.isAlike, unlike_.count(id) == 0);
+    }
+    for (const CategoryIndex::Start& start : order.starts) {
+      ASSERT_EQ(start.isOnly, alone.count(plain_.idOf(order.tracks[start.place])) > 0);
+    }
+  }
+
+  // Some ids by the right number of entries, others by a wrong one.
+  void expectSameWithIdsLeftOut(const CategoryIndex::Order& order) {
+    std::vector<std::uint32_t> counts(below(index_.positionCount() + std::size_t{1}));
+    std::vector<std::uint32_t> tracks = plain_.tracks();
+    std::vector<std::uint32_t> starts;  // positions of those left out
+    for (std::uint32_t id = 0; id < 12; ++id) {
+      const std::uint32_t position = index_.positionOf(id);
+      if (position >= counts.size()) continue;
+      const std::vector<std::uint32_t> its = plain_.tracksOf(id);
+      counts[position] = static_cast<std::uint32_t>(its.size()) + (below(3) == 0 ? 1 : 0);
+      const bool isOnly = std::ranges::any_of(order.starts, [&](const CategoryIndex::Start& start) {
+        return start.isOnly && start.position == position;
+      });
+      if (!isOnly || counts[position] != its.size()) continue;
+      std::erase_if(tracks, [&](std::uint32_t track) { return std::ranges::count(its, track); });
+      starts.push_back(position);
+    }
+    const CategoryIndex::Order rest = index_.inOrder(counts);
+    ASSERT_TRUE(std::ranges::equal(rest.tracks, tracks));
+    // All starts are there, and tell of those left out, which take no place.
+    ASSERT_EQ(rest.starts.size(), order.starts.size());
+    std::uint32_t leftOut = 0;
+    for (std::size_t i = 0; i < order.starts.size(); ++i) {
+      const CategoryIndex::Start& start = rest.starts[i];
+      ASSERT_EQ(start.place, order.starts[i].place - leftOut);
+      ASSERT_EQ(start.position, order.starts[i].position);
+      ASSERT_EQ(start.isLeftOut, start.isOnly && std::ranges::count(starts, start.position) == 1);
+      if (start.isLeftOut) leftOut += counts[start.position];
+    }
+  }
+
   std::mt19937 random_ = seededRandom(1);
   PlainCategory plain_;
+  std::map<std::uint32_t, const NamedId*> last_;  // by id
+  std::set<std::uint32_t> unlike_;                // ids that came with several
+  bool isPlaced_ = false;                         // the names don't determine the order any more
 };
 
 TEST_F(CategoryIndexChanges, OfNamesManyTimesOver) {
   for (std::uint32_t seed = 0; seed < 800; ++seed) {
     SCOPED_TRACE(seed);
     random_.seed(seed);
-    index_.clear();
-    plain_.clear();
+    clear();
     const std::size_t ids = 1 + below(11);
     const std::size_t names = 1 + below(12);
     for (std::uint32_t entries = below(120); entries-- > 0;) insert(below(ids), randomName(names));
@@ -168,8 +284,7 @@ TEST_F(CategoryIndexChanges, OfNamesAfterSteadyOnes) {
   for (std::uint32_t seed = 0; seed < 300; ++seed) {
     SCOPED_TRACE(seed);
     random_.seed(seed);
-    index_.clear();
-    plain_.clear();
+    clear();
     for (std::uint32_t entries = below(200); entries-- > 0;) {
       const std::uint32_t id = below(12);
       insert(id, std::string(1, static_cast<char>('k' - id % 5)));
@@ -184,8 +299,7 @@ TEST_F(CategoryIndexChanges, OfNamesWithRemovalsInBetween) {
   for (std::uint32_t seed = 0; seed < 800; ++seed) {
     SCOPED_TRACE(seed);
     random_.seed(seed);
-    index_.clear();
-    plain_.clear();
+    clear();
     nextTrack_ = 0;
     const std::size_t names = 1 + below(12);
     for (std::uint32_t steps = below(60); steps-- > 0;) {
@@ -194,6 +308,7 @@ TEST_F(CategoryIndexChanges, OfNamesWithRemovalsInBetween) {
         const std::uint32_t id = below(12);
         index_.eraseId(id);
         plain_.eraseId(id);
+        isPlaced_ = true;
       } else if (step < 4) {
         std::vector<std::uint32_t> tracks;
         for (std::uint32_t track = 0; track < nextTrack_; ++track) {
@@ -202,6 +317,7 @@ TEST_F(CategoryIndexChanges, OfNamesWithRemovalsInBetween) {
         std::shuffle(tracks.begin(), tracks.end(), random_);
         index_.eraseTracks(tracks);
         plain_.eraseTracks(tracks);
+        isPlaced_ = true;
       } else {
         insert(below(12), randomName(names));
       }
@@ -266,10 +382,34 @@ TEST_F(NamedCategory, EntriesWhoseNameNoOtherIdHasStartOnce) {
   const CategoryIndex::Order order = index_.inOrder();
   EXPECT_THAT(order.tracks, ElementsAre(1, 0, 2, 6, 3, 4, 5));
   std::vector<std::string> starts;
-  for (const auto& [place, isOnly] : order.starts) {
-    starts.push_back(std::to_string(place) + (isOnly ? "!" : ""));
+  for (const CategoryIndex::Start& start : order.starts) {
+    starts.push_back(std::to_string(start.place) + (start.isOnly ? "!" : ""));
   }
   EXPECT_THAT(starts, ElementsAre("0!", "1!", "3!", "4", "5", "6"));
+}
+
+TEST_F(NamedCategory, TellsWhichIdsCameWithOneEntryOnly) {
+  const NamedId& one = enter(1, "one");
+  const NamedId& two = enter(2, "two");
+  index_.insert(one, nextTrack_++);
+  enter(2, "two");
+  index_.insert(two, nextTrack_++);
+  enter(3, "three");
+  const auto alike = [&] {
+    std::vector<std::uint32_t> positions;
+    for (const CategoryIndex::Start& start : index_.inOrder().starts) {
+      if (start.isAlike) positions.push_back(start.position);
+    }
+    return positions;
+  };
+  EXPECT_THAT(alike(), ElementsAre(0, 2));
+  EXPECT_EQ(index_.positionOf(1), 0U);
+  EXPECT_EQ(index_.positionOf(3), 2U);
+  EXPECT_EQ(index_.positionOf(4), index_.positionCount());
+  index_.clear();
+  enter(7, "seven");
+  enter(8, "eight");
+  EXPECT_THAT(alike(), ElementsAre(1, 0)) << "nothing is left of the earlier ids";
 }
 
 TEST_F(NamedCategory, EmptyNamesComeFirst) {
