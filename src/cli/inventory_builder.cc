@@ -11,6 +11,10 @@ void InventoryBuilder::buildMenuFromInventory(const TrackManager& manager, MenuT
   Orvane::buildMenuFromInventory(manager, tree);
 }
 
+void InventoryBuilder::turnInventoryIntoMenu(TrackManager& manager, MenuTree& tree) const {
+  Orvane::turnInventoryIntoMenu(manager, tree);
+}
+
 void InventoryBuilder::buildTreeFromXml(const char* xmlFile, MenuTree& tree) const {
   loadXmlReader()(xmlFile, tree);
 }

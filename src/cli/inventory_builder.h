@@ -12,6 +12,7 @@ namespace Orvane {
 class InventoryBuilder {
  public:
   void buildMenuFromInventory(const TrackManager& manager, MenuTree& tree) const;
+  void turnInventoryIntoMenu(TrackManager& manager, MenuTree& tree) const;
   void buildTreeFromXml(const char* xmlFile, MenuTree& tree) const;
   bool writeOneTable(const MenuTree& tree, Buffer& buffer) const;
   bool writeTwoTable(const MenuTree& tree, Buffer& buffer) const;

@@ -17,9 +17,7 @@ namespace {
 void fillFromInventory(const Options& options, const InventoryBuilder& builder,
                        TrackManager& manager, MenuTree& tree) {
   readInventoryFiles(manager, options.tracksFile, options.playlistsFile, true);
-  manager.forgetIds();  // only playlists ask for them
-  builder.buildMenuFromInventory(manager, tree);
-  manager.clear();  // its orders make room for what is still to come
+  builder.turnInventoryIntoMenu(manager, tree);
   MenuTree::sortTree(tree.getRoot());
   if (!options.tryAndBuy) return;
   // After the ordering, so that it is the root's last child whatever the others are called.

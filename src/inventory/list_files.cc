@@ -58,7 +58,7 @@ void readTracks(TrackManager& manager, const char* path, LaterTracks& laterTrack
   constexpr std::size_t kFirstLines = 8192;
   constexpr std::size_t kBatchLines = 256;
   constexpr std::size_t kBatches = 8;     // lines may be long
-  constexpr std::size_t kMenuBytes = 24;  // about what a track takes in menus, which come next
+  constexpr std::size_t kMenuBytes = 16;  // about what a track takes in menus, which come next
 
   LineReader reader(path);
   if (reportUnopened(reader, path)) return;

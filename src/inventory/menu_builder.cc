@@ -4,18 +4,20 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <span>
 #include <string_view>
 #include <utility>
 #include <vector>
 
-#include "inventory/album_runs.h"
+#include "inventory/album_menus.h"
 #include "inventory/append_menu.h"
 #include "inventory/artist_albums.h"
+#include "inventory/category_runs.h"
+#include "inventory/one_artist_albums.h"
 #include "tree/huge_pages.h"
-#include "tree/keyed_hash.h"
 #include "tree/parallel.h"
-#include "tree/position_index.h"
 #include "tree/prefetch.h"
 
 namespace Orvane {
@@ -47,48 +49,45 @@ class LeafMaker {
   const TrackIndex& index_;
 };
 
-using Starts = std::span<const CategoryIndex::Start>;
-
-// Goes through the runs of equal ids among tracks' numbers: calls `start` with the first track of
-// each run and whether the run is known to be all that there is of the id, `look` with each track
-// that is looked at, and `finish` with the numbers of the run, which stand right behind those of
-// the run before. Looked at are the tracks at `starts`; without any, all are.
-template <typename Start, typename Look, typename Finish>
-void forEachRun(const TrackTable& tracks, std::span<TrackIndex::Number> numbers, Starts starts,
-                std::uint32_t (Track::*idOf)() const, Start start, Look look, Finish finish) {
-  const auto placeAt = [&](std::size_t i) { return starts.empty() ? i : starts[i].place; };
-  const auto trackAt = [&](std::size_t i) { return tracks[numbers[placeAt(i)]]; };
-  std::size_t begin = 0;
-  std::uint32_t id = 0;
-  forEachPrefetched(
-      starts.empty() ? numbers.size() : starts.size(),
-      [&](std::size_t i) {
-        const Track& track = *trackAt(i);
-        if (i == 0 || (track.*idOf)() != id) {
-          const std::size_t end = placeAt(i);
-          if (i > 0) finish(numbers.subspan(begin, end - begin));
-          begin = end;
-          id = (track.*idOf)();
-          start(track, !starts.empty() && starts[i].isOnly);
-        }
-        look(track);
+// Fills "Artists": those in `oneArtistAlbums`, unless that is nullptr, from there, the others track
+// by track.
+void fillArtists(const TrackIndex& index, MenuTree& tree, MenuNode& category,
+                 OneArtistAlbums* oneArtistAlbums) {
+  const TrackTable& tracks = index.getTracksByNumber();
+  std::span<const std::uint32_t> leftOut;
+  if (oneArtistAlbums != nullptr) leftOut = oneArtistAlbums->trackCounts();
+  CategoryIndex::Order order = index.getArtists().inOrder(leftOut);
+  if (oneArtistAlbums != nullptr) oneArtistAlbums->take(order.starts);
+  auto next = order.starts.cbegin();
+  const auto appendLeftOutBefore = [&](std::size_t place) {
+    for (; next != order.starts.cend() && next->place <= place; ++next) {
+      if (next->isLeftOut) oneArtistAlbums->appendNextArtist(category);
+    }
+  };
+  ArtistAlbums albums;
+  const std::span<TrackIndex::Number> numbers = tree.keepNumbers(std::move(order.tracks));
+  forEachRun(
+      tracks, numbers, {}, &Track::getArtistId,
+      [&](const Track& track, const CategoryIndex::Start& start) {
+        appendLeftOutBefore(start.place);
+        albums.startArtist(
+            appendMenu(category, track.getArtistName(), RecType::kArtist, track.getArtistId()));
       },
-      [&](std::size_t i) { prefetch(&numbers[placeAt(i)]); },
-      [&](std::size_t i) { prefetch(trackAt(i)); },
-      [&](std::size_t i) { prefetch(&trackAt(i)->getAlbum()); });
-  if (!numbers.empty()) finish(numbers.subspan(begin));
+      [&](const Track& track) { albums.add(track); },
+      [&](std::span<TrackIndex::Number> run) { albums.finishArtist(tracks, run); });
+  appendLeftOutBefore(numbers.size());
 }
 
-// The same for all entries of a category, in order, where tracks are of no interest in themselves:
-// then mostly few are looked at. The tree keeps the numbers.
-template <typename Start, typename Finish>
-void forEachRun(const TrackIndex& index, const CategoryIndex& category, MenuTree& tree,
-                std::uint32_t (Track::*idOf)() const, Start start, Finish finish) {
-  CategoryIndex::Order order = category.inOrder();
-  const std::span<TrackIndex::Number> numbers = tree.keepNumbers(std::move(order.tracks));
-  const Starts starts = Track::wereAnyChanged() ? Starts() : Starts(order.starts);
-  forEachRun(
-      index.getTracksByNumber(), numbers, starts, idOf, start, [](const Track&) {}, finish);
+// The same, and gives the menus of "Albums" their leaves.
+void fillArtists(const TrackIndex& index, MenuTree& tree, MenuNode& category, AlbumMenus& albums) {
+  // Twins are for menus whose leaves are numbers.
+  if (tree.getTrackTable() == &index.getTracksByNumber()) {
+    OneArtistAlbums oneArtistAlbums(albums, index.getArtists());
+    fillArtists(index, tree, category, &oneArtistAlbums);
+  } else {
+    fillArtists(index, tree, category, nullptr);
+  }
+  albums.appendAllOtherLeaves();
 }
 
 }  // namespace
@@ -109,44 +108,14 @@ void addPlaylistsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& cat
 
 void addArtistsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& category) {
   const TrackIndex& index = manager.getIndex();
-  const TrackTable& tracks = index.getTracksByNumber();
-  tree.setTrackTable(tracks);
-  ArtistAlbums albums;
-  forEachRun(
-      tracks, tree.keepNumbers(index.getArtists().tracksInOrder()), {}, &Track::getArtistId,
-      [&](const Track& track, bool /*isOnly*/) {
-        albums.startArtist(
-            appendMenu(category, track.getArtistName(), RecType::kArtist, track.getArtistId()));
-      },
-      [&](const Track& track) { albums.add(track); },
-      [&](std::span<TrackIndex::Number> numbers) { albums.finishArtist(tracks, numbers); });
+  tree.setTrackTable(index.getTracksByNumber());
+  fillArtists(index, tree, category, nullptr);
 }
 
 void addAlbumsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& category) {
   const TrackIndex& index = manager.getIndex();
-  const LeafMaker leaves(index, tree);
-  AlbumRuns runs;
-  std::vector<MenuNode*> albums;
-  PositionIndex albumIndex;
-  std::uint32_t album = 0;
-  const auto findOrEnter = [&](const Track& track, std::uint32_t next) {
-    const std::string_view name = MenuNode::storedForm(track.getAlbumName());
-    return albumIndex.findOrInsert(hashNameAndId(name, track.getAlbumId()), next,
-                                   [&](std::uint32_t candidate) {
-                                     return albums[candidate]->getMediaId() == track.getAlbumId() &&
-                                            albums[candidate]->getName() == name;
-                                   });
-  };
-  forEachRun(
-      index, index.getAlbums(), tree, &Track::getAlbumId,
-      [&](const Track& track, bool isOnly) {
-        const auto next = static_cast<std::uint32_t>(albums.size());
-        album = isOnly ? next : findOrEnter(track, next);
-        if (album == next) albums.push_back(&appendAlbum(category, track));
-      },
-      [&](std::span<TrackIndex::Number> numbers) { runs.add(album, numbers); });
-  runs.join();
-  for (std::uint32_t i = 0; i < albums.size(); ++i) leaves.append(*albums[i], runs.of(i));
+  tree.setTrackTable(index.getTracksByNumber());
+  AlbumMenus(index, tree, category).appendAllOtherLeaves();
 }
 
 void addSongsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& category) {
@@ -167,10 +136,12 @@ void addSongsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& categor
 void addGenresMenu(const TrackManager& manager, MenuTree& tree, MenuNode& category) {
   const TrackIndex& index = manager.getIndex();
   const LeafMaker leaves(index, tree);
+  CategoryIndex::Order order = index.getGenres().inOrder();
   MenuNode* genre = nullptr;
   forEachRun(
-      index, index.getGenres(), tree, &Track::getGenreId,
-      [&](const Track& track, bool /*isOnly*/) {
+      index.getTracksByNumber(), tree.keepNumbers(std::move(order.tracks)), order.starts,
+      &Track::getGenreId,
+      [&](const Track& track, const CategoryIndex::Start& /*start*/) {
         genre = &appendMenu(category, track.getGenreName(), RecType::kGenre, track.getGenreId());
       },
       [&](std::span<TrackIndex::Number> numbers) { leaves.append(*genre, numbers); });
@@ -195,40 +166,78 @@ void addRatingsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& categ
       menu.setRecType(kStars[i].recType);
     });
   }
+  CategoryIndex::Order order = index.getRatings().inOrder();
   std::uint32_t rating = 0;
   forEachRun(
-      index, index.getRatings(), tree, &Track::getRating,
-      [&](const Track& track, bool /*isOnly*/) { rating = track.getRating(); },
+      index.getTracksByNumber(), tree.keepNumbers(std::move(order.tracks)), order.starts,
+      &Track::getRating,
+      [&](const Track& track, const CategoryIndex::Start& /*start*/) {
+        rating = track.getRating();
+      },
       [&](std::span<TrackIndex::Number> numbers) {
         if (rating >= 1 && rating <= menus.size()) leaves.append(*menus[rating - 1], numbers);
       });
 }
 
-void buildMenuFromInventory(const TrackManager& manager, MenuTree& tree) {
-  struct Category {
-    std::string_view name;
-    void (*fill)(const TrackManager&, MenuTree&, MenuNode&);
-  };
-  constexpr std::array<Category, 6> kCategories = {{{"Playlists", addPlaylistsMenu},
-                                                    {"Artists", addArtistsMenu},
-                                                    {"Albums", addAlbumsMenu},
-                                                    {"Songs", addSongsMenu},
-                                                    {"Genres", addGenresMenu},
-                                                    {"Favorites", addRatingsMenu}}};
-  const TrackTable& tracks = manager.getIndex().getTracksByNumber();
-  tree.setTrackTable(tracks);
-  const std::size_t workers = workersFor(tracks.size());
-  std::array<MenuNode*, kCategories.size()> menus;
-  std::transform(
-      kCategories.begin(), kCategories.end(), menus.begin(), [&](const Category& category) {
-        MenuNode& menu =
-            workers > 1 ? tree.appendApart() : tree.getRoot()->appendChild([](MenuNode&) {});
-        fillMenu(menu, category.name, RecType::kPlainMenu, 0);
-        return &menu;
-      });
-  forEachInParallel(menus.size(), workers, [&](std::size_t i, std::size_t /*worker*/) {
-    kCategories[i].fill(manager, tree, *menus[i]);
+namespace {
+
+// Builds the menus; calls `forget` with a category when its index has been used for the last time.
+void buildMenus(const TrackManager& manager, MenuTree& tree,
+                const std::function<void(CategoryIndex& (TrackIndex::*category)())>& forget) {
+  enum { kPlaylists, kArtists, kAlbums, kSongs, kGenres, kFavorites };
+  constexpr std::array<std::string_view, 6> kNames = {"Playlists", "Artists", "Albums",
+                                                      "Songs",     "Genres",  "Favorites"};
+  const TrackIndex& index = manager.getIndex();
+  tree.setTrackTable(index.getTracksByNumber());
+  const std::size_t workers = workersFor(index.getTracksByNumber().size());
+  std::array<MenuNode*, kNames.size()> menus;
+  std::transform(kNames.begin(), kNames.end(), menus.begin(), [&](std::string_view name) {
+    MenuNode& menu =
+        workers > 1 ? tree.appendApart() : tree.getRoot()->appendChild([](MenuNode&) {});
+    fillMenu(menu, name, RecType::kPlainMenu, 0);
+    return &menu;
   });
+
+  using Fills = std::vector<std::function<void()>>;
+  const auto fillAll = [&](const Fills& fills) {
+    forEachInParallel(fills.size(), workers,
+                      [&](std::size_t i, std::size_t /*worker*/) { fills[i](); });
+  };
+  std::optional<AlbumMenus> albums;
+  fillAll({
+      [&] {
+        albums.emplace(index, tree, *menus[kAlbums]);
+        forget(&TrackIndex::getAlbums);
+      },
+      [&] {
+        addGenresMenu(manager, tree, *menus[kGenres]);
+        forget(&TrackIndex::getGenres);
+      },
+      [&] {
+        addRatingsMenu(manager, tree, *menus[kFavorites]);
+        forget(&TrackIndex::getRatings);
+      },
+      [&] { addPlaylistsMenu(manager, tree, *menus[kPlaylists]); },
+  });
+  fillAll({
+      [&] {
+        fillArtists(index, tree, *menus[kArtists], *albums);
+        forget(&TrackIndex::getArtists);
+      },
+      [&] { addSongsMenu(manager, tree, *menus[kSongs]); },
+  });
+}
+
+}  // namespace
+
+void buildMenuFromInventory(const TrackManager& manager, MenuTree& tree) {
+  buildMenus(manager, tree, [](auto /*category*/) {});
+}
+
+void turnInventoryIntoMenu(TrackManager& manager, MenuTree& tree) {
+  manager.forgetIds();  // only playlists ask for them
+  buildMenus(manager, tree, [&](auto category) { manager.forgetCategory(category); });
+  manager.clear();
 }
 
 }  // namespace Orvane

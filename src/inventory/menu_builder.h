@@ -14,6 +14,9 @@ namespace Orvane {
 // only for lack of memory.
 void buildMenuFromInventory(const TrackManager& manager, MenuTree& tree);
 
+// The same, and clears the manager: bit by bit, so that what its indexes took is there for menus.
+void turnInventoryIntoMenu(TrackManager& manager, MenuTree& tree);
+
 // The parts of buildMenuFromInventory, each filling its category's menu, which must be empty. A
 // track has a leaf of its own in every place where it belongs.
 

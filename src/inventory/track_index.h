@@ -88,6 +88,7 @@ class TrackIndex {
   CategoryIndex& getArtists() { return artists_; }
   CategoryIndex& getAlbums() { return albums_; }
   CategoryIndex& getGenres() { return genres_; }
+  CategoryIndex& getRatings() { return ratings_; }
   const CategoryIndex& getArtists() const { return artists_; }
   const CategoryIndex& getAlbums() const { return albums_; }
   const CategoryIndex& getGenres() const { return genres_; }

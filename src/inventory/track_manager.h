@@ -99,6 +99,9 @@ class TrackManager {
   // any more. Until clear(), none may be registered or removed.
   void forgetIds() { index_->forgetIds(); }
 
+  // The same for a category, of which nothing is known any more.
+  void forgetCategory(CategoryIndex& (TrackIndex::*category)()) { ((*index_).*category)().clear(); }
+
   // How many of the tracks containsTrack() accepts.
   std::size_t countRegisteredTracks(const std::vector<const Track*>& tracks) const;
 

@@ -136,9 +136,9 @@ void FamilyWalk::expectFamilies(std::size_t visited, std::size_t end) const {
       }
     }
   };
-  prefetch(&next(16));
-  next(12).expectChildren(0);
-  next(8).expectChildren(1);
+  prefetch(&next(32));
+  next(24).expectChildren(0);
+  next(12).expectChildren(1);
   expectNodes(next(4), 0);
   expectNodes(next(2), 1);
 }

@@ -17,7 +17,7 @@ MIB = 1 << 20
 def jobs(bench: Bench) -> Iterator[Callable[[], None]]:
     small = Inputs(bench, "small", 12, 2, 3, 4)
     huge = Inputs(bench, "huge", 6000, 60, 250, 100)
-    vast = Inputs(bench, "vast", 100000, 60, 1, 1)  # takes memory in whole mappings, and moves some
+    vast = Inputs(bench, "vast", 190000, 60, 1, 1)  # takes memory in whole mappings, and moves some
     shared = Inputs(bench, "shared", 260000, 60, 1, 1)  # large enough for threads to share the work
     if bench.sanitized:
         bench.note("little address space: the sanitizers take more than any machine has")

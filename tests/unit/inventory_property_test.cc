@@ -128,6 +128,62 @@ TEST(InventoryProperty, FilledAgainAfterRemovals) {
   }
 }
 
+// Albums with names, artists and genres that mostly stay.
+TEST(InventoryProperty, LibrariesAsInLife) {
+  for (std::uint32_t seed = 0; seed < kInventories; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    RandomInventory random(seed);
+    std::vector<plain::PlainTrack> albums(1 + random.below(12));
+    const std::size_t artists = 1 + random.below(6);
+    const bool areArtistsNamedAlike = random.oneIn(4);
+    for (std::uint32_t album = 0; album < albums.size(); ++album) {
+      plain::PlainTrack& track = albums[album];
+      track.artistId = static_cast<std::uint32_t>(1 + random.below(artists));
+      track.artistName = areArtistsNamedAlike ? "a" : "artist " + std::to_string(track.artistId);
+      track.albumId = 1 + album;
+      track.albumName = random.name();
+      track.genreId = 1 + track.artistId % 3;
+      track.genreName = "genre " + std::to_string(track.genreId);
+    }
+    const std::size_t oddOnes = random.oneIn(3) ? 1000 : 5 + random.below(60);
+    Both both;
+    for (std::uint32_t id = 0; id < 60; ++id) {
+      plain::PlainTrack track = albums[random.below(albums.size())];
+      track.mediaId = id;
+      track.title = random.name();
+      track.rating = random.rating();
+      if (random.oneIn(oddOnes)) {
+        const plain::PlainTrack other = random.track();
+        switch (random.below(7)) {
+          case 0:
+            track.artistId = static_cast<std::uint32_t>(random.below(artists + 1));
+            break;
+          case 1:
+            track.artistName = "ARTIST " + std::to_string(track.artistId);
+            break;
+          case 2:
+            track.albumName = other.albumName;
+            break;
+          case 3:
+            track.albumId = 0;
+            break;
+          case 4:
+            track.genreName = other.genreName;
+            break;
+          case 5:
+            track.mediaId = 0;
+            break;
+          default:
+            track = other;
+        }
+      }
+      both.addTrack(track);
+    }
+    ASSERT_EQ(plain::differenceOf(both.manager, both.inventory), "");
+    ASSERT_NO_FATAL_FAILURE(expectSameMenus(both.manager, both.inventory));
+  }
+}
+
 TEST(InventoryProperty, ReadFromListFiles) {
   const TempDir dir;
   const std::string tracksPath = dir / "tracks.txt";

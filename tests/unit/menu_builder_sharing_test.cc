@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "inventory/menu_builder.h"
@@ -18,6 +20,7 @@ namespace Orvane::test {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 
 // The second manager's first track must not pass for the first one's.
 TEST(MenuBuilderSharing, TracksOfTwoManagersAreNotMixedUp) {
@@ -115,6 +118,135 @@ TEST(MenuBuilderSharing, OtherTitleIsASongAmongTheOthers) {
   MenuTree tree;
   addSongsMenu(manager, tree, *tree.getRoot());
   EXPECT_THAT(menusOf(tree), ElementsAre("one:", "changed:", "three:"));
+}
+
+class MenuBuilderTwins : public ::testing::Test {
+ protected:
+  MenuBuilderTwins() {
+    add(1, "Ann", 10, "one");
+    add(2, "Bob", 20, "two");
+    add(1, "Ann", 11, "three");
+    add(1, "Ann", 10, "one");
+    add(3, "Cat", 20, "two");
+    add(3, "Cat", 30, "three");
+  }
+
+  void add(std::uint32_t artistId, std::string_view artist, std::uint32_t albumId,
+           std::string_view album) {
+    manager_.addTrack("song", ++mediaId_, artist, artistId, album, albumId, "Pop", 5, 0);
+  }
+
+  // Each menu in it, or one deeper, with the numbers of its leaves, and whether it has a twin.
+  static std::vector<std::string> albumsIn(const MenuTree& tree, std::size_t category,
+                                           bool deeper) {
+    std::vector<std::string> lines;
+    const MenuNode& menu = *tree.getRoot()->childrenBegin()[category];
+    const auto addLines = [&](const MenuNode& parent, const std::string& before) {
+      std::for_each(parent.childrenBegin(), parent.childrenEnd(), [&](const MenuNode* album) {
+        std::string& line = lines.emplace_back(before + std::to_string(album->getMediaId()));
+        for (const std::uint32_t number : album->trackNumbers()) {
+          line += " " + std::to_string(number);
+        }
+        if (album->hasTwin()) line += " twin";
+      });
+    };
+    if (!deeper) {
+      addLines(menu, "");
+    } else {
+      std::for_each(menu.childrenBegin(), menu.childrenEnd(), [&](const MenuNode* artist) {
+        addLines(*artist, std::string(artist->getName()) + " ");
+      });
+    }
+    return lines;
+  }
+
+  // Where another test of this process has changed a track, there are no twins.
+  static std::string twin(const std::string& line) {
+    return Track::wereAnyChanged() ? line : line + " twin";
+  }
+
+  static std::vector<std::string> artistsOf(const MenuTree& tree) {
+    return albumsIn(tree, 1, true);
+  }
+  static std::vector<std::string> albumsOf(const MenuTree& tree) {
+    return albumsIn(tree, 2, false);
+  }
+
+  TrackManager manager_;
+  std::uint32_t mediaId_ = 0;
+};
+
+// "two" has two artists, so that theirs are found track by track.
+TEST_F(MenuBuilderTwins, AreAlbumsOfArtistsWhoHaveNoOthers) {
+  MenuTree tree;
+  buildMenuFromInventory(manager_, tree);
+  EXPECT_THAT(artistsOf(tree), ElementsAre(twin("Ann 10 1 4"), twin("Ann 11 3"), "Bob 20 2",
+                                           "Cat 20 5", "Cat 30 6"));
+  EXPECT_THAT(albumsOf(tree), ElementsAre(twin("10 1 4"), twin("11 3"), "30 6", "20 2 5"));
+}
+
+TEST_F(MenuBuilderTwins, ComeInTheOrderOfTheirFirstTracks) {
+  add(4, "Dee", 41, "zz");
+  add(4, "Dee", 40, "aa");
+  add(4, "Dee", 41, "zz");
+  MenuTree tree;
+  buildMenuFromInventory(manager_, tree);
+  EXPECT_THAT(artistsOf(tree),
+              ElementsAre(twin("Ann 10 1 4"), twin("Ann 11 3"), "Bob 20 2", "Cat 20 5", "Cat 30 6",
+                          twin("Dee 41 7 9"), twin("Dee 40 8")));
+}
+
+TEST_F(MenuBuilderTwins, AreNoneWhereAnAlbumIsUnlikeOthers) {
+  add(4, "Dee", 0, "");                     // in no album
+  add(5, "Eve", 50, std::string(65, 'x'));  // a menu a track
+  add(5, "Eve", 50, std::string(65, 'x'));
+  add(6, "Fay", 60, "six");  // of two genres
+  manager_.addTrack("song", 99, "Fay", 6, "six", 60, "Rock", 6, 0);
+  add(0, "Gil", 70, "seven");  // no artist of an id
+  MenuTree tree;
+  buildMenuFromInventory(manager_, tree);
+  EXPECT_THAT(artistsOf(tree),
+              ElementsAre(twin("Ann 10 1 4"), twin("Ann 11 3"), "Bob 20 2", "Cat 20 5", "Cat 30 6",
+                          "Dee 0 7", "Eve 50 8", "Eve 50 9", "Fay 60 10 11"));
+}
+
+TEST_F(MenuBuilderTwins, AreNoneWhereArtistsHaveOneName) {
+  add(4, "ANN", 40, "four");
+  add(1, "Ann", 10, "one");
+  MenuTree tree;
+  buildMenuFromInventory(manager_, tree);
+  EXPECT_THAT(artistsOf(tree), ElementsAre("Ann 10 1 4", "Ann 11 3", "ANN 40 7", "Ann 10 8",
+                                           "Bob 20 2", "Cat 20 5", "Cat 30 6"));
+}
+
+TEST_F(MenuBuilderTwins, AreNoneWhereNumbersMeanNothing) {
+  TrackManager other;
+  addSong(other, 1, "other");
+  MenuTree tree;
+  tree.setTrackTable(other.getIndex().getTracksByNumber());
+  buildMenuFromInventory(manager_, tree);
+  EXPECT_THAT(artistsOf(tree), ElementsAre("Ann 10", "Ann 11", "Bob 20", "Cat 20", "Cat 30"));
+  EXPECT_THAT(albumsOf(tree), ElementsAre("10", "11", "30", "20"));
+}
+
+TEST_F(MenuBuilderTwins, StandInTheSameMenusWhenTheInventoryIsUsedUp) {
+  MenuTree tree;
+  buildMenuFromInventory(manager_, tree);
+  MenuTree last;
+  turnInventoryIntoMenu(manager_, last);
+  EXPECT_EQ(artistsOf(last), artistsOf(tree));
+  EXPECT_EQ(albumsOf(last), albumsOf(tree));
+  RecordingBuffer expected;
+  RecordingBuffer actual;
+  writeTwoTable(tree, expected);
+  writeTwoTable(last, actual);
+  EXPECT_EQ(actual.content, expected.content);
+
+  EXPECT_EQ(manager_.tracksBegin(), manager_.tracksEnd());
+  EXPECT_THAT(artists(manager_), IsEmpty());
+  EXPECT_THAT(albums(manager_), IsEmpty());
+  EXPECT_THAT(genres(manager_), IsEmpty());
+  EXPECT_THAT(ratings(manager_), IsEmpty());
 }
 
 }  // namespace
