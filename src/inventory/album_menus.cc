@@ -22,7 +22,9 @@ AlbumMenus::AlbumMenus(const TrackIndex& index, MenuTree& tree, MenuNode& catego
           return menu.getMediaId() == track.getAlbumId() && menu.getName() == name;
         });
   };
-  CategoryIndex::Order order = index.getAlbums().inOrderOfIds();
+  // Tracks that have another album than they were entered with stand where they came.
+  CategoryIndex::Order order =
+      Track::wereAnyChanged() ? index.getAlbums().inOrder() : index.getAlbums().inOrderOfIds();
   numbers_ = std::move(order.tracks);
   std::uint32_t menu = 0;
   forEachRun(
@@ -32,7 +34,7 @@ AlbumMenus::AlbumMenus(const TrackIndex& index, MenuTree& tree, MenuNode& catego
         menu = start.isOnly ? next : findOrEnter(track, next);
         if (menu != next) return;
         menus_.push_back(
-            {&appendAlbum(category, track), start.isAlike ? &track.getAlbum() : nullptr});
+            {&appendAlbum(category, track), start.hasOneNamedId ? &track.getAlbum() : nullptr});
       },
       [&](std::span<std::uint32_t> run) { runs_.add(menu, run); });
   runs_.join();
@@ -50,6 +52,8 @@ void AlbumMenus::appendLeaves(MenuNode& menu, std::span<const std::uint32_t> num
 }
 
 void AlbumMenus::appendAllOtherLeaves() {
+  // First, lest menus be left with numbers that nobody keeps. They stay where they are.
+  if (!isInOtherOrder_) tree_.keepNumbers(std::move(numbers_));
   for (std::uint32_t i = 0; i < menus_.size(); ++i) {
     MenuNode& menu = *menus_[i].menu;
     if (menu.childCount() > 0) continue;
@@ -59,7 +63,6 @@ void AlbumMenus::appendAllOtherLeaves() {
       menu.appendLeaves(tracks_, runs_.of(i));
     }
   }
-  if (!isInOtherOrder_) tree_.keepNumbers(std::move(numbers_));
 }
 
 }  // namespace Orvane

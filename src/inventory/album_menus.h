@@ -12,8 +12,9 @@
 
 namespace Orvane {
 
-// The menus of "Albums", which get their leaves later: then their tracks' numbers can be kept in
-// another order than that of the menus.
+// The menus of "Albums", which get their leaves later: artists' menus share these, and are laid out
+// first, so that the numbers had better be kept in their order. Until this is destroyed, there are
+// numbers in both orders then.
 class AlbumMenus {
  public:
   struct AlbumMenu {
@@ -24,6 +25,8 @@ class AlbumMenus {
   // Appends a menu an album to `category`, by stored name and id, in the order of the albums'
   // names. All arguments must outlive this.
   AlbumMenus(const TrackIndex& index, MenuTree& tree, MenuNode& category);
+  AlbumMenus(const AlbumMenus&) = delete;
+  AlbumMenus& operator=(const AlbumMenus&) = delete;
 
   std::span<const AlbumMenu> menus() const { return menus_; }
 

@@ -12,9 +12,13 @@ namespace Orvane {
 // track. The tracks mostly count up, so that little more than the names has to be kept.
 class CategoryEntries {
  public:
+  // When memory runs out it throws, and nothing is added.
   void add(std::uint32_t name, std::uint32_t track) {
-    if (runs_.empty() || track != nextTrack_) runs_.push_back({names_.size(), track});
-    names_.push_back(name);
+    if (runs_.empty() || track != nextTrack_) {
+      addRun(name, track);
+    } else {
+      names_.push_back(name);
+    }
     nextTrack_ = track + 1;
   }
 
@@ -44,6 +48,16 @@ class CategoryEntries {
     std::size_t begin;
     std::uint32_t track;  // of the first
   };
+
+  void addRun(std::uint32_t name, std::uint32_t track) {
+    runs_.push_back({names_.size(), track});
+    try {
+      names_.push_back(name);
+    } catch (...) {
+      runs_.pop_back();
+      throw;
+    }
+  }
 
   ChunkedList<std::uint32_t> names_;
   LargeVector<Run> runs_;

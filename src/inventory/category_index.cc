@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <new>
-#include <numeric>
 #include <string>
 #include <utility>
 
@@ -22,7 +21,7 @@ CategoryIndex::Id& CategoryIndex::enterId(std::uint32_t id) {
   if (Id* const known = ids_.find(id, hintOf(id))) return *known;
   const auto position = static_cast<std::uint32_t>(ids_.size());
   // These have that many where there was no memory for what follows.
-  areUnlike_.resize(position + std::size_t{1});
+  haveSeveral_.resize(position + std::size_t{1});
   names_.resize(position + std::size_t{1});
   names_[position].id = id;
   return ids_.enter({id, position, nullptr});
@@ -32,7 +31,7 @@ CategoryIndex::Id& CategoryIndex::enterId(std::uint32_t id) {
 void CategoryIndex::rename(Id& known, const NamedId& entry) {
   if (known.named == &entry) return;
   const bool isNew = known.named == nullptr;
-  if (!isNew) areUnlike_[known.position] = true;
+  if (!isNew) haveSeveral_[known.position] = true;
   if (isNew || known.named->name() != entry.name()) {
     const std::string folded = foldName(entry.name());
     Name& name = names_[known.position];
@@ -90,8 +89,16 @@ class CategoryIndex::Places {
   Places(const CategoryIndex& index, std::span<const std::uint32_t> leftOut)
       : index_(index), leftOut_(leftOut), counts_(index.names_.size()), places_(counts_.size()) {
     index.entries_.forEach(
-        [this](std::uint32_t name, std::uint32_t /*track*/) { ++counts_[name]; });
+        [this, next = std::uint32_t{0}](std::uint32_t name, std::uint32_t /*track*/) mutable {
+          if (counts_[name]++ > 0) return;
+          areFirstsInOrder_ = areFirstsInOrder_ && name >= next;
+          next = name + 1;
+        });
   }
+
+  // Whether the first entries of the ids came in the order of their positions. An id for whose
+  // first entry there was no memory has a position before its time.
+  bool areFirstsInOrder() const { return areFirstsInOrder_; }
 
   // Gives the next places to the entries of the ids at these positions, in the order in which they
   // came, and tells where other ids may begin.
@@ -110,7 +117,7 @@ class CategoryIndex::Places {
       starts.push_back({.place = begin,
                         .position = first,
                         .isOnly = true,
-                        .isAlike = !index_.areUnlike_[first],
+                        .hasOneNamedId = !index_.haveSeveral_[first],
                         .isLeftOut = isLeftOut});
       if (!isLeftOut) return;
       places_[first].of = kNone;
@@ -141,6 +148,7 @@ class CategoryIndex::Places {
   LargeVector<std::uint32_t> counts_;
   LargeVector<Place> places_;
   std::uint32_t size_ = 0;
+  bool areFirstsInOrder_ = true;
 };
 
 // Positions in the order of the names, those of equal ones counting up.
@@ -159,10 +167,7 @@ CategoryIndex::Order CategoryIndex::findOrder(bool areIdsApart,
   Order order;
   if (placed_) {
     order.tracks.reserve(placed_->size());
-    for (const auto& [name, track] : *placed_) {
-      order.starts.push_back({.place = static_cast<std::uint32_t>(order.tracks.size())});
-      order.tracks.push_back(track);
-    }
+    for (const auto& [name, track] : *placed_) order.tracks.push_back(track);
     return order;
   }
   NameRanks ranks;
@@ -171,12 +176,11 @@ CategoryIndex::Order CategoryIndex::findOrder(bool areIdsApart,
   Places places(*this, leftOut);
   const std::span<const std::uint32_t> all = positions;
   for (std::size_t first = 0, end = 0; first < all.size(); first = end) {
-    bool areApart = areIdsApart;
+    bool areApart = areIdsApart && places.areFirstsInOrder();
     for (; end < all.size() && ranks[all[end]] == ranks[all[first]]; ++end) {
-      areApart = areApart && !areUnlike_[all[end]];
+      areApart = areApart && !haveSeveral_[all[end]];
     }
     if (areApart) {
-      // Ids are numbered as they first come up.
       for (std::size_t i = first; i < end; ++i) places.give(all.subspan(i, 1), order.starts);
     } else {
       places.give(all.subspan(first, end - first), order.starts);
@@ -226,7 +230,7 @@ void CategoryIndex::clear() {
   placedEntries_.clear();
   entries_.clear();
   release(names_);
-  areUnlike_.clear();
+  haveSeveral_.clear();
   ids_.clear();
   hints_.fill({});
   foldedNames_.clear();

@@ -70,26 +70,27 @@ class CategoryIndex {
     std::uint32_t place = 0;
     std::uint32_t position = 0;  // of the id, if isOnly: see positionOf()
     bool isOnly = false;         // up to the next start there are all entries of one id
-    bool isAlike = false;        // and all of them were inserted with the same NamedId
-    bool isLeftOut = false;      // or would be, as inOrder() was asked to leave them out
+    bool hasOneNamedId = false;  // and all of them were inserted with the same NamedId
+    bool isLeftOut = false;      // but inOrder() left them out
   };
   struct Order {
     LargeVector<std::uint32_t> tracks;
-    LargeVector<Start> starts;  // all, in order
+    LargeVector<Start> starts;  // all, in order, or none when any place may be one
   };
 
   // The same, without the entries of each id that has as many as `leftOut` says at the position of
-  // the id. Positions behind its end stay, as do ids whose name others have.
+  // the id. Positions behind its end stay, as do ids whose name others have, and all once the names
+  // don't determine the order any more.
   Order inOrder(std::span<const std::uint32_t> leftOut = {}) const {
     return findOrder(false, leftOut);
   }
 
   // The same, but where several ids have one name, and each came with one NamedId only, the entries
-  // of each stand together, the ids in the order of their first entries. Not once the names don't
-  // determine the order any more.
+  // of each may stand together, the ids in the order of their first entries. Once the names don't
+  // determine the order any more, the same as inOrder().
   Order inOrderOfIds() const { return findOrder(true, {}); }
 
-  // Ids are numbered from 0 on in the order in which they came. positionCount() for others.
+  // Ids are numbered from 0 on in the order in which they first came. positionCount() for others.
   std::uint32_t positionOf(std::uint32_t id) const {
     const Id* const known = ids_.find(id);
     return known == nullptr ? positionCount() : known->position;
@@ -150,7 +151,7 @@ class CategoryIndex {
   LargeVector<std::uint32_t> positionsByName(const NameRanks& ranks) const;
 
   LargeVector<Name> names_;
-  std::vector<bool> areUnlike_;  // by position: whether an id came with several NamedIds
+  std::vector<bool> haveSeveral_;  // by position: whether the id came with several NamedIds
   Ids ids_;
   // Where ids were found, for each in the place that its last bits give: an id is asked for its
   // name several times, then given an entry.

@@ -78,8 +78,9 @@ void fillArtists(const TrackIndex& index, MenuTree& tree, MenuNode& category,
   appendLeftOutBefore(numbers.size());
 }
 
-// The same, and gives the menus of "Albums" their leaves.
-void fillArtists(const TrackIndex& index, MenuTree& tree, MenuNode& category, AlbumMenus& albums) {
+// Fills "Artists", from albums where that can be, and gives the albums' menus their leaves.
+void fillArtistsAndAlbums(const TrackIndex& index, MenuTree& tree, MenuNode& category,
+                          AlbumMenus& albums) {
   // Twins are for menus whose leaves are numbers.
   if (tree.getTrackTable() == &index.getTracksByNumber()) {
     OneArtistAlbums oneArtistAlbums(albums, index.getArtists());
@@ -221,7 +222,7 @@ void buildMenus(const TrackManager& manager, MenuTree& tree,
   });
   fillAll({
       [&] {
-        fillArtists(index, tree, *menus[kArtists], *albums);
+        fillArtistsAndAlbums(index, tree, *menus[kArtists], *albums);
         forget(&TrackIndex::getArtists);
       },
       [&] { addSongsMenu(manager, tree, *menus[kSongs]); },

@@ -15,6 +15,7 @@ namespace Orvane {
 void buildMenuFromInventory(const TrackManager& manager, MenuTree& tree);
 
 // The same, and clears the manager: bit by bit, so that what its indexes took is there for menus.
+// After an exception it may only be cleared or destroyed.
 void turnInventoryIntoMenu(TrackManager& manager, MenuTree& tree);
 
 // The parts of buildMenuFromInventory, each filling its category's menu, which must be empty. A

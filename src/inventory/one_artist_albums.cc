@@ -74,6 +74,7 @@ void OneArtistAlbums::expect(std::size_t album) const {
 }
 
 void OneArtistAlbums::appendNextArtist(MenuNode& category) {
+  // Written as it is with the artist's first track.
   const NamedId& artist = albums_[nextAlbum_].album->artist();
   MenuNode& menu = appendMenu(category, artist.name(), RecType::kArtist, artist.id());
   for (const std::size_t end = ends_[nextArtist_++]; nextAlbum_ < end; ++nextAlbum_) {

@@ -22,7 +22,7 @@ class OneArtistAlbums {
   OneArtistAlbums(AlbumMenus& albums, const CategoryIndex& artists);
 
   // How many tracks such albums have, for each artist in the index, by position. An artist who has
-  // so many in all is one of these.
+  // so many in all, and a name that no other has, is one of these.
   std::span<const std::uint32_t> trackCounts() const { return trackCounts_; }
 
   // Takes those artists who are left out at `starts`.

@@ -58,15 +58,16 @@ MenuNode::Branch& MenuNode::ownBranch() const {
   if (!branch_->isShared) return *branch_;
   NodeArena* const arena = branch_->arena();
   if (branch_->hasNumbers) {
-    branch_ = &copyOfBranch(*arena);
+    branch_ = &copyOfBranch();
   } else {
     branch_ = arena == nullptr ? new Branch() : arena->makeBranch();
   }
   return *branch_;
 }
 
-// For a node that is parted from its twin.
-MenuNode::Branch& MenuNode::copyOfBranch(NodeArena& arena) const {
+// The numbers, too: the twin may put its own in another order.
+MenuNode::Branch& MenuNode::copyOfBranch() const {
+  NodeArena& arena = *branch_->arena();
   Branch& copy = *arena.makeBranch();
   if (branch_->rare != nullptr) {
     copy.rare = arena.makeRare();

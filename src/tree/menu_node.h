@@ -155,8 +155,9 @@ class MenuNode {
   void appendLeaves(const TrackTable& tracks, std::span<std::uint32_t> numbers);
 
   // Appends a menu that looks like `menu`, with leaves of the same tracks, and returns it: a twin.
-  // The children of `menu` are numbers, its tree is this node's, and it has no twin yet. Until one
-  // of the two changes they share what they hold, so that it is put into order once for both.
+  // `menu` is another node of the same tree, its children are numbers, and it has no twin yet.
+  // Until one of the two changes they share what they hold, so that it is put into order once for
+  // both. The twin's memory is where that of `menu` is.
   MenuNode& appendTwinOf(MenuNode& menu);
 
   // The table in which the numbers among the children are looked up, here and beneath; nullptr when
@@ -183,20 +184,26 @@ class MenuNode {
   // Whether there are children, and all of them are numbers.
   bool hasTrackNumbers() const { return branch_->hasNumbers; }
 
-  // The children when they are numbers, which may be put in another order, that of a twin, too;
-  // else nothing. Good until one is appended or asked for as a node.
+  // The children when they are numbers, which may be put in another order; else nothing. Good until
+  // one is appended or asked for as a node. A twin gets numbers of its own, for which memory may
+  // run out.
   std::span<std::uint32_t> trackNumbers() {
-    if (!branch_->hasNumbers) return {};
-    return {branch_->numbers, branch_->count};
+    if (hasTwin()) partFromTwin();
+    return trackNumbersOfTwins();
   }
   std::span<const std::uint32_t> trackNumbers() const {
     if (!branch_->hasNumbers) return {};
     return {branch_->numbers, branch_->count};
   }
 
+  // The same, but twins go on sharing them: to put them in another order once for both.
+  std::span<std::uint32_t> trackNumbersOfTwins() {
+    if (!branch_->hasNumbers) return {};
+    return {branch_->numbers, branch_->count};
+  }
+
   // Whether it shares its children's numbers with a twin, or did until that one changed. Whoever
-  // puts them into another order is to do so once for both, and can note here, for both, that one
-  // has been met; or else to part the two first, which gives the node numbers of its own.
+  // puts them in order can note here, for both, that one of the two has been met.
   bool hasTwin() const { return branch_->hasNumbers && branch_->isShared; }
   bool isMet() const { return branch_->isMet; }
   void setMet(bool isMet) { branch_->isMet = isMet; }  // only if hasTwin()
@@ -273,7 +280,7 @@ class MenuNode {
   bool isTrackLeaf() const { return nodeType_ == kTrackLeaf; }
   void leaveTrack();
   Branch& ownBranch() const;
-  Branch& copyOfBranch(NodeArena& arena) const;
+  Branch& copyOfBranch() const;
   Rare& ownRare();
   void setNumber(std::uint8_t MenuNode::*field, std::uint32_t Rare::*wideField,
                  std::uint32_t value);

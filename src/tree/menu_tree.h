@@ -36,7 +36,8 @@ class MenuTree {
   bool addChildToRoot(std::unique_ptr<MenuNode> child);
 
   // Appends a fresh menu to the root whose subtree may be built while other threads build elsewhere
-  // in the tree: it has its memory to itself. The tree's track table has to be set before.
+  // in the tree: it has its memory to itself, but for twins of menus elsewhere, which have to be
+  // built by the same thread. The tree's track table has to be set before.
   MenuNode& appendApart();
 
   // About how many nodes the tree has: those that it made itself. Leaves that are numbers of tracks

@@ -2,6 +2,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "tree/huge_pages.h"
@@ -115,7 +116,7 @@ class ChildSorter {
         [&](std::size_t i) { menus[i]->expectChildren(1); },
         [&](std::size_t i) {
           constexpr std::size_t kFew = 64;
-          const std::span<const std::uint32_t> tracks = menus[i]->trackNumbers();
+          const std::span<const std::uint32_t> tracks = std::as_const(*menus[i]).trackNumbers();
           for (const std::uint32_t track : tracks.first(std::min(tracks.size(), kFew))) {
             ranks_.expect(track);
           }
@@ -124,7 +125,7 @@ class ChildSorter {
 
   void sort(MenuNode& menu, LargeVector<Ranked>& scratch) const {
     if (menu.hasTrackNumbers()) {
-      sortByRank(menu.trackNumbers(), scratch);
+      sortByRank(menu.trackNumbersOfTwins(), scratch);
     } else {
       sortByName(menu);
     }

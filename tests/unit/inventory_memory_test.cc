@@ -1,8 +1,11 @@
 // What costs no memory as long as nothing happens that needs it. The results would be the same.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <new>
 #include <string>
 #include <string_view>
 
@@ -11,12 +14,16 @@
 #include "inventory/category_index.h"
 #include "inventory/line_reader.h"
 #include "inventory/media_id_index.h"
+#include "inventory/menu_builder.h"
 #include "inventory/track_batch.h"
 #include "inventory/track_index.h"
 #include "test_support.h"
+#include "track_lists.h"
 
 namespace Orvane::test {
 namespace {
+
+using ::testing::ElementsAre;
 
 TEST(InventoryMemory, EntriesOfTracksThatCountUpTakeTheirPlacesOnly) {
   CategoryEntries entries;
@@ -44,6 +51,54 @@ TEST(InventoryMemory, ANameThatStaysIsNotFoldedAgain) {
 
 TEST(InventoryMemory, ANameThatKeepsItsPlaceMovesNoEntry) {
   expectRenamedWithoutMemory("name", "NAME");
+}
+
+// Wherever memory runs out: the id may be known by then.
+TEST(InventoryMemory, AnIdWithoutItsFirstEntryIsNotThereYet) {
+  const NamedId late(7, "name");
+  const NamedId other(8, "name");
+  for (std::ptrdiff_t allowed = 0; allowed < 12; ++allowed) {
+    SCOPED_TRACE(allowed);
+    CategoryIndex index;
+    bool isEntered = true;
+    try {
+      const LimitedAllocations few(allowed);
+      index.insert(late, 100);
+    } catch (const std::bad_alloc&) {
+      isEntered = false;
+    }
+    index.insert(other, 0);
+    index.insert(late, 101);
+    const auto order = index.inOrderOfIds();
+    if (isEntered) {
+      EXPECT_THAT(order.tracks, ElementsAre(100, 101, 0));
+    } else {
+      EXPECT_THAT(order.tracks, ElementsAre(0, 101));
+    }
+  }
+}
+
+// A menu that has leaves has those of its tracks.
+TEST(InventoryMemory, LackOfItLeavesNoMenuWithOthersNumbers) {
+  std::ptrdiff_t failures = 0;
+  for (std::ptrdiff_t allowed = 0; failures == allowed; ++allowed) {
+    TrackManager manager;
+    for (std::uint32_t id = 1; id <= 40; ++id) addSong(manager, id, "song", id, "album");
+    MenuTree tree;
+    MenuNode& root = *tree.getRoot();
+    try {
+      const LimitedAllocations few(allowed);
+      addAlbumsMenu(manager, tree, root);
+    } catch (const std::bad_alloc&) {
+      ++failures;
+    }
+    std::for_each(root.childrenBegin(), root.childrenEnd(), [&](const MenuNode* album) {
+      if (album->childCount() == 0) return;
+      ASSERT_EQ(album->trackNumbers().size(), 1U);
+      ASSERT_EQ(album->trackNumbers()[0], album->getMediaId()) << allowed;
+    });
+  }
+  EXPECT_GT(failures, 5);
 }
 
 TEST(InventoryMemory, TheListOfTracksIsNoOtherOneUntilOneIsWithdrawn) {

@@ -109,6 +109,20 @@ TEST(MenuBuilderSharing, OtherGenreMakesARunOfItsOwn) {
   EXPECT_THAT(menusOf(tree), ElementsAre("Pop: song1 song2", "Other: song3", "Pop: song4"));
 }
 
+// The albums are in the order of their names, in which they alternate.
+TEST(MenuBuilderSharing, OtherAlbumLeavesATrackWhereItWas) {
+  TrackManager manager;
+  std::vector<Track*> tracks;
+  for (std::uint32_t id = 1; id <= 3; ++id) {
+    tracks.push_back(
+        manager.addTrack("song" + std::to_string(id), id, "", 0, "X", id == 2 ? 2 : 1, "", 0, 0));
+  }
+  tracks[1]->setAlbum(tracks[0]->getAlbum());
+  MenuTree tree;
+  addAlbumsMenu(manager, tree, *tree.getRoot());
+  EXPECT_THAT(menusOf(tree), ElementsAre("X: song1 song2 song3"));
+}
+
 // It has no number any more.
 TEST(MenuBuilderSharing, OtherTitleIsASongAmongTheOthers) {
   TrackManager manager;
