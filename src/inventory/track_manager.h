@@ -99,7 +99,7 @@ class TrackManager {
   // any more. Until clear(), none may be registered or removed.
   void forgetIds() { index_->forgetIds(); }
 
-  // The same for the entries and names of a category, given by what the index is asked for it with.
+  // Forgets all entries and names of a category, that of &TrackIndex::getArtists, say.
   void forgetCategory(CategoryIndex& (TrackIndex::*category)()) { ((*index_).*category)().clear(); }
 
   // How many of the tracks containsTrack() accepts.
