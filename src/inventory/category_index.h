@@ -78,16 +78,16 @@ class CategoryIndex {
     LargeVector<Start> starts;  // all, in order, or none when any place may be one
   };
 
-  // The same, without the entries of each id that has as many as `leftOut` says at the position of
-  // the id. Positions behind its end stay, as do ids whose name others have, and all once the names
-  // don't determine the order any more.
+  // The track numbers in order and their starts, without the entries of each id that has as many as
+  // `leftOut` says at the position of the id. Positions behind its end stay, as do ids whose name
+  // others have, and all once the names don't determine the order any more.
   Order inOrder(std::span<const std::uint32_t> leftOut = {}) const {
     return findOrder(false, leftOut);
   }
 
-  // The same, but where several ids have one name, and each came with one NamedId only, the entries
-  // of each may stand together, the ids in the order of their first entries. Once the names don't
-  // determine the order any more, the same as inOrder().
+  // The same of all entries, but where several ids have one name, and each came with one NamedId
+  // only, the entries of each may stand together, the ids in the order of their first entries. Once
+  // the names don't determine the order any more, the same as inOrder().
   Order inOrderOfIds() const { return findOrder(true, {}); }
 
   // Ids are numbered from 0 on in the order in which they first came. positionCount() for others.

@@ -220,6 +220,7 @@ void buildMenus(const TrackManager& manager, MenuTree& tree,
       },
       [&] { addPlaylistsMenu(manager, tree, *menus[kPlaylists]); },
   });
+  // Once all menus of albums are there.
   fillAll({
       [&] {
         fillArtistsAndAlbums(index, tree, *menus[kArtists], *albums);
