@@ -7,11 +7,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <iostream>
 #include <utility>
 
-#include "errors/ov_read_error.h"
-#include "errors/printable.h"
+#include "inventory/line_read_error.h"
 
 namespace Orvane {
 
@@ -55,10 +53,8 @@ bool LineReader::fill() {
     got = ::read(descriptor_, block_.get() + end_, capacity_ - end_);
   } while (got == -1 && errno == EINTR);
   if (got == -1) {
-    const int reason = errno;
-    std::cerr << printable(path_) << ":" << lineNumber_ + 1
-              << ": cannot read on: " << std::strerror(reason) << std::endl;
-    throw OVReadError(OVReadError::kShortRead);
+    const int reason = errno;  // before memory is taken for the exception
+    throw LineReadError(path_, lineNumber_ + 1, reason);
   }
   end_ += static_cast<std::size_t>(got);
   bytesRead_ += static_cast<std::size_t>(got);

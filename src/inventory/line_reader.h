@@ -21,8 +21,8 @@ class LineReader {
   bool isOpen() const { return descriptor_ != -1; }
 
   // The next line; good until the next call. At the end of the file, what follows the last line
-  // feed, which may be nothing; after that, empty lines for ever. Throws OVReadError, after naming
-  // file, line and reason on standard error, when the file can't be read on.
+  // feed, which may be nothing; after that, empty lines for ever. Throws LineReadError when the
+  // file can't be read on.
   std::string_view next();
 
   // As many of the next lines as fit into `lines` and are at hand without a further read, at least

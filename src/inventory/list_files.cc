@@ -13,6 +13,7 @@
 #include "errors/printable.h"
 #include "inventory/decimal_number.h"
 #include "inventory/id_map.h"
+#include "inventory/line_read_error.h"
 #include "inventory/line_reader.h"
 #include "inventory/track_batch.h"
 #include "tree/made_ahead.h"
@@ -36,7 +37,9 @@ bool reportUnopened(const LineReader& reader, const char* path) {
   return !reader.isOpen();
 }
 
-void addTracks(TrackManager& manager, const TrackBatch& batch, LaterTracks& laterTracks) {
+void addTracks(TrackManager& manager, const TrackBatch& batch, const char* path,
+               LaterTracks& laterTracks) {
+  batch.reportSkipped(path);
   manager.takeTitlesIn(batch.titles());
   const std::span<const TrackIds> allIds = batch.ids();
   const auto add = [&](std::size_t i) {
@@ -71,8 +74,9 @@ void readTracks(TrackManager& manager, const char* path, LaterTracks& laterTrack
   const std::size_t tracksBefore = trackCount();
   TrackBatch first;
   while (!reader.atEnd() && reader.lineNumber() < linesAlone) {
-    first.read(reader, path, kBatchLines, false, manager.getTitleStore());
-    addTracks(manager, first, laterTracks);
+    first.take(reader, kBatchLines, false);
+    first.parse(manager.getTitleStore());
+    addTracks(manager, first, path, laterTracks);
   }
   if (reader.atEnd()) return;
   // As many of the lines will be tracks as of those so far.
@@ -83,12 +87,12 @@ void readTracks(TrackManager& manager, const char* path, LaterTracks& laterTrack
   forEachMadeAhead<TrackBatch, kBatches>(
       [&](TrackBatch& batch) {
         if (reader.atEnd()) return false;
-        batch.read(reader, path, kBatchLines, true, manager.getTitleStore());
+        batch.take(reader, kBatchLines, true);
         return true;
       },
-      [](TrackBatch&) {},
+      [&](TrackBatch& batch) { batch.parse(manager.getTitleStore()); },
       [&](const TrackBatch& batch) {
-        addTracks(manager, batch, laterTracks);
+        addTracks(manager, batch, path, laterTracks);
         // Not before some of the tracks expected have really come.
         if (!forMenus && trackCount() - tracksBefore > tracks / 16) {
           forMenus.emplace(tracks * kMenuBytes);
@@ -175,9 +179,14 @@ void readPlaylists(TrackManager& manager, const char* path, bool withPlaylistIds
 
 void readInventoryFiles(TrackManager& manager, const char* tracksFile, const char* playlistsFile,
                         bool withPlaylistIds) {
-  LaterTracks laterTracks;
-  readTracks(manager, tracksFile, laterTracks);
-  readPlaylists(manager, playlistsFile, withPlaylistIds, laterTracks);
+  try {
+    LaterTracks laterTracks;
+    readTracks(manager, tracksFile, laterTracks);
+    readPlaylists(manager, playlistsFile, withPlaylistIds, laterTracks);
+  } catch (const LineReadError& error) {
+    std::cerr << error.explanation() << std::endl;
+    throw;
+  }
 }
 
 void printInventory(const TrackManager& manager) {

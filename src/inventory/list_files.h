@@ -9,7 +9,8 @@ namespace Orvane {
 //
 // A file that can't be opened is told on standard output, "Unable to open file " and the path, and
 // counts as empty. Lines that can't be used are told on standard error and skipped. Throws
-// OVReadError when a file can't be read to its end.
+// OVReadError, after naming file, line and reason on standard error, when a file can't be read to
+// its end.
 void readInventoryFiles(TrackManager& manager, const char* tracksFile, const char* playlistsFile,
                         bool withPlaylistIds);
 

@@ -27,10 +27,17 @@ void TrackBatch::copyLines() {
   }
 }
 
-void TrackBatch::keepTitles(Arena& arena) {
+void TrackBatch::take(LineReader& reader, std::size_t mostLines, bool withCopy) {
+  lines_.resize(mostLines);
+  lines_.resize(reader.nextLines(lines_));
+  firstLine_ = reader.lineNumber() - lines_.size() + 1;
+  if (withCopy) copyLines();
+}
+
+void TrackBatch::keepTitles(TitleStore& store) {
   std::size_t size = 0;
   for (const Texts& texts : texts_) size += texts.title.size();
-  char* const begin = static_cast<char*>(arena.allocate(size, 1));
+  char* const begin = store.allocate(size);
   char* next = begin;
   for (Texts& texts : texts_) {
     char* const end = std::copy(texts.title.begin(), texts.title.end(), next);
@@ -40,16 +47,12 @@ void TrackBatch::keepTitles(Arena& arena) {
   titles_ = {begin, size};
 }
 
-void TrackBatch::read(LineReader& reader, const char* path, std::size_t mostLines, bool withCopy,
-                      Arena& titles) {
+void TrackBatch::parse(TitleStore& titles) {
   texts_.clear();
   ids_.clear();
-  lines_.resize(mostLines);
-  lines_.resize(reader.nextLines(lines_));
-  if (withCopy) copyLines();
-  std::size_t lineNumber = reader.lineNumber() - lines_.size();
+  skipped_.clear();
+  std::size_t lineNumber = firstLine_;
   for (const std::string_view line : lines_) {
-    ++lineNumber;
     fields_.clear();
     splitFields(line, fields_, kSeparator, kUsedFields);
     if (fields_.size() >= kRequiredFields) {
@@ -58,11 +61,18 @@ void TrackBatch::read(LineReader& reader, const char* path, std::size_t mostLine
       ids_.push_back(
           {parseId(fields_[0]), parseId(fields_[2]), parseId(fields_[4]), parseId(fields_[6])});
     } else if (line.find(kSeparator) != std::string_view::npos) {
-      std::cerr << printable(path) << ":" << lineNumber << ": expected " << kRequiredFields
-                << " fields, found " << fields_.size() << ": line skipped" << std::endl;
+      skipped_.push_back({lineNumber, fields_.size()});
     }
+    ++lineNumber;
   }
   keepTitles(titles);
+}
+
+void TrackBatch::reportSkipped(const char* path) const {
+  for (const Skipped& line : skipped_) {
+    std::cerr << printable(path) << ":" << line.lineNumber << ": expected " << kRequiredFields
+              << " fields, found " << line.fieldCount << ": line skipped" << std::endl;
+  }
 }
 
 }  // namespace Orvane

@@ -6,17 +6,11 @@
 
 #include "inventory/category_index.h"
 #include "inventory/media_id_index.h"
+#include "inventory/track_ids.h"
 #include "tree/track.h"
 #include "tree/track_table.h"
 
 namespace Orvane {
-
-struct TrackIds {
-  std::uint32_t media;
-  std::uint32_t artist;
-  std::uint32_t album;
-  std::uint32_t genre;
-};
 
 // How the tracks of a TrackManager can be found: in the order of their registration, by media id,
 // and in the orders of the four categories. Only the first track of a media id is in here; the

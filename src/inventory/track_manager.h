@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "inventory/playlist.h"
+#include "inventory/title_store.h"
 #include "inventory/track_index.h"
 #include "inventory/track_list_iterator.h"
 #include "tree/arena.h"
@@ -44,10 +45,10 @@ class TrackManager {
 
   virtual Playlist* addPlaylist(std::string_view name, std::uint32_t playlistId);
 
-  // Titles may be put into the store before addTrack() is called with them, by one thread at a
-  // time, which need not be the one that calls it. Until the next call of takeTitlesIn(),
-  // addTrack() makes no copy of a title within `titles`, which have to be in the store.
-  Arena& getTitleStore() { return titleStore_; }
+  // Titles may be put into the store before addTrack() is called with them, also by other threads
+  // and meanwhile. Until the next call of takeTitlesIn(), addTrack() makes no copy of a title
+  // within `titles`, which have to be in the store.
+  TitleStore& getTitleStore() { return titleStore_; }
   void takeTitlesIn(std::string_view titles) { titlesToTake_ = titles; }
 
   // Says that about so many tracks will be added. Unless all media ids count up, there will be room
@@ -135,7 +136,7 @@ class TrackManager {
   // the names, which are looked at again and again and so must stand close together.
   Arena ownTracks_;
   Arena ownTitles_;
-  Arena titleStore_;
+  TitleStore titleStore_;
   Arena ownNames_;
   std::vector<std::unique_ptr<Track>> trackSet_;
   std::vector<std::unique_ptr<Playlist>> playlistSet_;

@@ -130,7 +130,8 @@ class MadeAhead {
 //
 // Items are taken in order, one at a time, but by either thread, and `use` is always called by the
 // caller's; `take` and `make` must not look at what `use` changes, nor `make` at what another
-// `make` or `take` does. At most kMost items are there at a time.
+// `make` or `take` does, unless that is for several threads. At most kMost items are there at a
+// time.
 //
 // What `take` or `make` throws is thrown when the items before have been used, what `use` throws at
 // once. In either case no call is under way any more, which takes as long as the last one does.

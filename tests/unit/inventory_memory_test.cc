@@ -160,10 +160,11 @@ class TrackBatches : public ::testing::Test {
   }
 
   void read(TrackBatch& batch, std::size_t lines, bool withCopy) {
-    batch.read(reader_, path_.c_str(), lines, withCopy, titles_);
+    batch.take(reader_, lines, withCopy);
+    batch.parse(titles_);
   }
 
-  Arena titles_;
+  TitleStore titles_;
   const TempDir dir_;
   const std::string path_ = writtenTo(dir_ / "tracks");
   LineReader reader_{path_.c_str()};

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -261,7 +262,10 @@ TEST(TrackManager, SecondTrackOfAnIdIsNewAllTheSame) {
 
 TEST(TrackManager, TakesTitlesThatAreInItsStoreAndCopiesAllOthers) {
   TrackManager manager;
-  const std::string_view stored = manager.getTitleStore().keep("beforewithinbehind");
+  const std::string_view titles = "beforewithinbehind";
+  char* const place = manager.getTitleStore().allocate(titles.size());
+  std::ranges::copy(titles, place);
+  const std::string_view stored(place, titles.size());
   manager.takeTitlesIn(stored.substr(6, 6));
   const auto isTaken = [&](std::string_view title) {
     const Track& track = *manager.addTrack(title, 1, "a", 2, "b", 3, "c", 4, 0);
