@@ -31,7 +31,7 @@ CategoryIndex::Id& CategoryIndex::enterId(std::uint32_t id) {
 void CategoryIndex::rename(Id& known, const NamedId& entry) {
   if (known.named == &entry) return;
   const bool isNew = known.named == nullptr;
-  if (!isNew) haveSeveral_[known.position] = true;
+  if (!isNew) haveSeveral_[known.position] = anyHasSeveral_ = true;
   if (isNew || known.named->name() != entry.name()) {
     const std::string folded = foldName(entry.name());
     Name& name = names_[known.position];
@@ -45,12 +45,40 @@ void CategoryIndex::rename(Id& known, const NamedId& entry) {
   known.named = &entry;
 }
 
+// Calls use(key, position) with each key of entries here, in order.
+template <typename Use>
+void CategoryIndex::forEachKey(Use use) const {
+  if (combined_ == nullptr) {
+    for (std::uint32_t position = 0; position < names_.size(); ++position) use(position, position);
+    return;
+  }
+  std::uint32_t key = 0;
+  combined_->combinations().forEach([&](const CombinedEntries::Positions& positions) {
+    const std::uint32_t position = positions.at(category_);
+    if (position != CombinedEntries::kNone) use(key, position);
+    ++key;
+  });
+}
+
+// Calls use(position, track) with each entry, as long as they are kept as they came.
+template <typename Use>
+void CategoryIndex::forEachEntry(Use use) const {
+  if (combined_ == nullptr) {
+    entries_.forEach(use);
+    return;
+  }
+  combined_->tracks().forEach([&](std::uint32_t combination, std::uint32_t track) {
+    const std::uint32_t position = combined_->combinations()[combination].at(category_);
+    if (position != CombinedEntries::kNone) use(position, track);
+  });
+}
+
 void CategoryIndex::placeEntries() {
   if (placed_) return;
   const ArenaAllocator<Placed::value_type> allocator(placedEntries_);
   void* const place = placedEntries_.allocate(sizeof(Placed), alignof(Placed));
   auto* const placed = new (place) Placed(ByLiveName{this}, allocator);
-  entries_.forEach([&](std::uint32_t name, std::uint32_t track) { placed->emplace(name, track); });
+  forEachEntry([&](std::uint32_t name, std::uint32_t track) { placed->emplace(name, track); });
   placed_ = placed;
   entries_.clear();
 }
@@ -58,15 +86,16 @@ void CategoryIndex::placeEntries() {
 void CategoryIndex::add(std::uint32_t position, std::uint32_t track) {
   if (placed_) {
     placed_->emplace(position, track);
-  } else {
+  } else if (combined_ == nullptr) {
     entries_.add(position, track);
   }
 }
 
-void CategoryIndex::insert(const NamedId& entry, std::uint32_t track) {
+std::uint32_t CategoryIndex::insert(const NamedId& entry, std::uint32_t track) {
   Id& known = enterId(entry.id());
   rename(known, entry);
   add(known.position, track);
+  return known.position;
 }
 
 void CategoryIndex::insert(std::uint32_t id, std::uint32_t track) {
@@ -83,17 +112,28 @@ void CategoryIndex::insert(std::uint32_t id, std::uint32_t track) {
 }
 
 // Where the entries go that are in no order yet: there are far fewer names than entries, so these
-// are counted into place.
+// are counted into place. A combination stands for the position that it has.
 class CategoryIndex::Places {
  public:
   Places(const CategoryIndex& index, std::span<const std::uint32_t> leftOut)
       : index_(index), leftOut_(leftOut), counts_(index.names_.size()), places_(counts_.size()) {
-    index.entries_.forEach(
-        [this, next = std::uint32_t{0}](std::uint32_t name, std::uint32_t /*track*/) mutable {
-          if (counts_[name]++ > 0) return;
-          areFirstsInOrder_ = areFirstsInOrder_ && name >= next;
-          next = name + 1;
-        });
+    std::uint32_t next = 0;
+    const auto meetFirst = [&](std::uint32_t position) {
+      areFirstsInOrder_ = areFirstsInOrder_ && position >= next;
+      next = position + 1;
+    };
+    if (index.combined_ == nullptr) {
+      index.entries_.forEach([&](std::uint32_t position, std::uint32_t /*track*/) {
+        if (counts_[position]++ == 0) meetFirst(position);
+      });
+      return;
+    }
+    const std::span<const std::uint32_t> counts = index.combined_->trackCounts();
+    index.forEachKey([&](std::uint32_t key, std::uint32_t position) {
+      if (counts[key] == 0) return;
+      if (counts_[position] == 0) meetFirst(position);
+      counts_[position] += counts[key];
+    });
   }
 
   // Whether the first entries of the ids came in the order of their positions. An id for whose
@@ -120,7 +160,7 @@ class CategoryIndex::Places {
                         .hasOneNamedId = !index_.haveSeveral_[first],
                         .isLeftOut = isLeftOut});
       if (!isLeftOut) return;
-      places_[first].of = kNone;
+      places_[first].of = kNowhere;
       size_ = begin;
     }
   }
@@ -128,18 +168,28 @@ class CategoryIndex::Places {
   LargeVector<std::uint32_t> putTracks() {
     LargeVector<std::uint32_t> tracks(size_);
     if (size_ == 0) return tracks;  // without a look at all those left out
-    index_.entries_.forEach([&](std::uint32_t name, std::uint32_t track) {
-      const std::uint32_t first = places_[name].of;
-      if (first != kNone) tracks[places_[first].next++] = track;
+    // By key: the one that has the next place, which mostly is the key itself.
+    LargeVector<Place> ofKeys(index_.keyCount());
+    LargeVector<std::uint32_t> keyOf(places_.size(), kNowhere);
+    index_.forEachKey([&](std::uint32_t key, std::uint32_t position) {
+      const std::uint32_t first = places_[position].of;
+      if (first == kNowhere) return;
+      if (keyOf[first] == kNowhere) {
+        keyOf[first] = key;
+        ofKeys[key].next = places_[first].next;
+      }
+      ofKeys[key].of = keyOf[first];
+    });
+    index_.keys().forEach([&](std::uint32_t key, std::uint32_t track) {
+      const std::uint32_t of = ofKeys[key].of;
+      if (of != kNowhere) tracks[ofKeys[of].next++] = track;
     });
     return tracks;
   }
 
  private:
-  static constexpr std::uint32_t kNone = 0xFFFFFFFF;
-
   struct Place {
-    std::uint32_t of = kNone;  // the position that has the next place, or kNone for none at all
+    std::uint32_t of = kNowhere;  // which one has the next place; kNowhere for none at all
     std::uint32_t next = 0;
   };
 
@@ -195,9 +245,10 @@ std::vector<std::uint32_t> CategoryIndex::tracksOf(std::uint32_t id) const {
   const auto take = [&](std::uint32_t name, std::uint32_t track) {
     if (names_[name].id == id) tracks.push_back(track);
   };
-  entries_.forEach(take);
   if (placed_) {
     for (const auto& [name, track] : *placed_) take(name, track);
+  } else {
+    forEachEntry(take);
   }
   return tracks;
 }
@@ -229,8 +280,10 @@ void CategoryIndex::clear() {
   placed_ = nullptr;
   placedEntries_.clear();
   entries_.clear();
+  combined_ = nullptr;
   release(names_);
   haveSeveral_.clear();
+  anyHasSeveral_ = false;
   ids_.clear();
   hints_.fill({});
   foldedNames_.clear();

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "inventory/category_entries.h"
+#include "inventory/combined_entries.h"
 #include "inventory/id_map.h"
 #include "tree/arena.h"
 #include "tree/arena_allocator.h"
@@ -35,9 +36,22 @@ class CategoryIndex {
   CategoryIndex(const CategoryIndex&) = delete;
   CategoryIndex& operator=(const CategoryIndex&) = delete;
 
-  // Gives the id of `entry` its name, then enters (id, track). `entry` must outlive the index, or
-  // the next clear().
-  void insert(const NamedId& entry, std::uint32_t track);
+  static constexpr std::uint32_t kNowhere = CombinedEntries::kNone;
+
+  // Until the next clear(), and as long as isCombined(), the entries are those that `entries` has
+  // of the category: insert() adds none. For an empty index; `entries` must outlive it, or that
+  // clear().
+  void takeFrom(const CombinedEntries& entries, CombinedEntries::Category category) {
+    combined_ = &entries;
+    category_ = category;
+  }
+
+  // False, too, once the index keeps its entries in place: it has those that came before.
+  bool isCombined() const { return combined_ != nullptr && placed_ == nullptr; }
+
+  // Gives the id of `entry` its name, then enters (id, track). Returns positionOf(id). `entry` must
+  // outlive the index, or the next clear().
+  std::uint32_t insert(const NamedId& entry, std::uint32_t track);
 
   // The same where ids have no names, and are ordered as numbers. Not both in one index.
   void insert(std::uint32_t id, std::uint32_t track);
@@ -49,18 +63,34 @@ class CategoryIndex {
     if (step == 0) {
       ids_.expect(id);
     } else if (const NamedId* const named = find(id)) {
-      constexpr std::size_t kCacheLine = 64;
-      prefetch(named);
-      prefetch(reinterpret_cast<const char*>(named) + kCacheLine);
+      expect(*named);
     }
+  }
+
+  // Asks for it and what is right behind it.
+  static void expect(const NamedId& named) {
+    constexpr std::size_t kCacheLine = 64;
+    prefetch(&named);
+    prefetch(reinterpret_cast<const char*>(&named) + kCacheLine);
   }
 
   // What the id was last entered with, nullptr if it never was, or has no name. Not for several
   // threads: it remembers what it has found.
-  const NamedId* find(std::uint32_t id) const {
+  const NamedId* find(std::uint32_t id) const { return findLast(id).named; }
+
+  // The same, and positionOf(id), or kNowhere if it never was.
+  struct Last {
+    const NamedId* named = nullptr;
+    std::uint32_t position = kNowhere;
+  };
+  Last findLast(std::uint32_t id) const {
     const Id* const known = ids_.find(id, hintOf(id));
-    return known == nullptr ? nullptr : known->named;
+    return known == nullptr ? Last() : Last{known->named, known->position};
   }
+
+  // Whether the id at this position came with several NamedIds; and whether any did.
+  bool hasSeveral(std::uint32_t position) const { return haveSeveral_[position]; }
+  bool anyHasSeveral() const { return anyHasSeveral_; }
 
   // The track numbers of all entries, in order.
   LargeVector<std::uint32_t> tracksInOrder() const { return inOrder().tracks; }
@@ -130,8 +160,6 @@ class CategoryIndex {
                                ArenaAllocator<std::pair<const std::uint32_t, std::uint32_t>>>;
 
   struct Id {
-    static constexpr std::uint32_t kNowhere = 0xFFFFFFFF;
-
     std::uint32_t id = 0;
     std::uint32_t position = kNowhere;  // in names_
     const NamedId* named = nullptr;     // what it was last entered with, if ids have names
@@ -145,6 +173,15 @@ class CategoryIndex {
   Id& enterId(std::uint32_t id);
   void rename(Id& known, const NamedId& entry);
   void add(std::uint32_t position, std::uint32_t track);
+  // The entries as they came: of combinations, or of positions.
+  const CategoryEntries& keys() const { return combined_ ? combined_->tracks() : entries_; }
+  std::size_t keyCount() const {
+    return combined_ ? combined_->combinations().size() : names_.size();
+  }
+  template <typename Use>
+  void forEachKey(Use use) const;
+  template <typename Use>
+  void forEachEntry(Use use) const;
   void placeEntries();
   class Places;
   Order findOrder(bool areIdsApart, std::span<const std::uint32_t> leftOut) const;
@@ -152,15 +189,19 @@ class CategoryIndex {
 
   LargeVector<Name> names_;
   std::vector<bool> haveSeveral_;  // by position: whether the id came with several NamedIds
+  bool anyHasSeveral_ = false;     // whether any is set
   Ids ids_;
   // Where ids were found, for each in the place that its last bits give: an id is asked for its
   // name several times, then given an entry.
   mutable std::array<Ids::Hint, 1024> hints_;
   Arena foldedNames_;
 
-  // Either all entries as they came, or, once that doesn't determine their order, all in place: in
-  // an arena, with which they go without a look at any, those that were erased, too.
+  // Either all entries as they came, here or where others keep them, too, or, once that doesn't
+  // determine their order, all in place: in an arena, with which they go without a look at any,
+  // those that were erased, too.
   CategoryEntries entries_;
+  const CombinedEntries* combined_ = nullptr;
+  CombinedEntries::Category category_ = {};
   Arena placedEntries_;
   Placed* placed_ = nullptr;
 };

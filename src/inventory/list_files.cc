@@ -54,7 +54,8 @@ void addTracks(TrackManager& manager, const TrackBatch& batch, const char* path,
   };
   forEachPrefetched(
       allIds.size(), add, [&](std::size_t i) { manager.expectTrack(allIds[i], 0); },
-      [&](std::size_t i) { manager.expectTrack(allIds[i], 1); });
+      [&](std::size_t i) { manager.expectTrack(allIds[i], 1); },
+      [&](std::size_t i) { manager.expectTrack(allIds[i], 2); });
 }
 
 void readTracks(TrackManager& manager, const char* path, LaterTracks& laterTracks) {

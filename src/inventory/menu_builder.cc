@@ -50,13 +50,14 @@ class LeafMaker {
 };
 
 // Fills "Artists": those in `oneArtistAlbums`, unless that is nullptr, from there, the others track
-// by track.
+// by track. Calls `forget` once no category's index is needed any more.
 void fillArtists(const TrackIndex& index, MenuTree& tree, MenuNode& category,
-                 OneArtistAlbums* oneArtistAlbums) {
+                 OneArtistAlbums* oneArtistAlbums, const std::function<void()>& forget) {
   const TrackTable& tracks = index.getTracksByNumber();
   std::span<const std::uint32_t> leftOut;
   if (oneArtistAlbums != nullptr) leftOut = oneArtistAlbums->trackCounts();
   CategoryIndex::Order order = index.getArtists().inOrder(leftOut);
+  forget();
   if (oneArtistAlbums != nullptr) oneArtistAlbums->take(order.starts);
   auto next = order.starts.cbegin();
   const auto appendLeftOutBefore = [&](std::size_t place) {
@@ -80,13 +81,13 @@ void fillArtists(const TrackIndex& index, MenuTree& tree, MenuNode& category,
 
 // Fills "Artists", from albums where that can be, and gives the albums' menus their leaves.
 void fillArtistsAndAlbums(const TrackIndex& index, MenuTree& tree, MenuNode& category,
-                          AlbumMenus& albums) {
+                          AlbumMenus& albums, const std::function<void()>& forget) {
   // Twins are for menus whose leaves are numbers.
   if (tree.getTrackTable() == &index.getTracksByNumber()) {
     OneArtistAlbums oneArtistAlbums(albums, index.getArtists());
-    fillArtists(index, tree, category, &oneArtistAlbums);
+    fillArtists(index, tree, category, &oneArtistAlbums, forget);
   } else {
-    fillArtists(index, tree, category, nullptr);
+    fillArtists(index, tree, category, nullptr, forget);
   }
   albums.appendAllOtherLeaves();
 }
@@ -110,7 +111,7 @@ void addPlaylistsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& cat
 void addArtistsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& category) {
   const TrackIndex& index = manager.getIndex();
   tree.setTrackTable(index.getTracksByNumber());
-  fillArtists(index, tree, category, nullptr);
+  fillArtists(index, tree, category, nullptr, [] {});
 }
 
 void addAlbumsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& category) {
@@ -182,9 +183,11 @@ void addRatingsMenu(const TrackManager& manager, MenuTree& tree, MenuNode& categ
 
 namespace {
 
-// Builds the menus; calls `forget` with a category when its index has been used for the last time.
+// Builds the menus; calls `forget` with a category when its index isn't needed any more, and
+// `forgetAll` when none is.
 void buildMenus(const TrackManager& manager, MenuTree& tree,
-                const std::function<void(CategoryIndex& (TrackIndex::*category)())>& forget) {
+                const std::function<void(CategoryIndex& (TrackIndex::*category)())>& forget,
+                const std::function<void()>& forgetAll) {
   enum { kPlaylists, kArtists, kAlbums, kSongs, kGenres, kFavorites };
   constexpr std::array<std::string_view, 6> kNames = {"Playlists", "Artists", "Albums",
                                                       "Songs",     "Genres",  "Favorites"};
@@ -211,21 +214,18 @@ void buildMenus(const TrackManager& manager, MenuTree& tree,
         forget(&TrackIndex::getAlbums);
       },
       [&] {
-        addGenresMenu(manager, tree, *menus[kGenres]);
-        forget(&TrackIndex::getGenres);
-      },
-      [&] {
         addRatingsMenu(manager, tree, *menus[kFavorites]);
         forget(&TrackIndex::getRatings);
+      },
+      [&] {
+        addGenresMenu(manager, tree, *menus[kGenres]);
+        forget(&TrackIndex::getGenres);
       },
       [&] { addPlaylistsMenu(manager, tree, *menus[kPlaylists]); },
   });
   // Once all menus of albums are there.
   fillAll({
-      [&] {
-        fillArtistsAndAlbums(index, tree, *menus[kArtists], *albums);
-        forget(&TrackIndex::getArtists);
-      },
+      [&] { fillArtistsAndAlbums(index, tree, *menus[kArtists], *albums, forgetAll); },
       [&] { addSongsMenu(manager, tree, *menus[kSongs]); },
   });
 }
@@ -233,12 +233,15 @@ void buildMenus(const TrackManager& manager, MenuTree& tree,
 }  // namespace
 
 void buildMenuFromInventory(const TrackManager& manager, MenuTree& tree) {
-  buildMenus(manager, tree, [](auto /*category*/) {});
+  buildMenus(
+      manager, tree, [](auto /*category*/) {}, [] {});
 }
 
 void turnInventoryIntoMenu(TrackManager& manager, MenuTree& tree) {
   manager.forgetIds();  // only playlists ask for them
-  buildMenus(manager, tree, [&](auto category) { manager.forgetCategory(category); });
+  buildMenus(
+      manager, tree, [&](auto category) { manager.forgetCategory(category); },
+      [&] { manager.forgetCategories(); });
   manager.clear();
 }
 

@@ -15,21 +15,9 @@ bool TrackIndex::add(Track& track) {
   track.setNumber(number <= Track::kNumber ? number : 0);
   if (hasOwnList_) ownList_.push_back(number);
 
-  const auto enter = [number](CategoryIndex& category, const NamedId& entry) {
-    if (entry.id() != 0) category.insert(entry, number);
-  };
-  enter(genres_, track.getGenre());
-  enter(artists_, track.getArtist());
-  enter(albums_, track.getAlbum());
+  categories_.add(track, number);
   if (track.getRating() != 0) ratings_.insert(track.getRating(), number);
   return true;
-}
-
-void TrackIndex::expect(const TrackIds& track, int step) const {
-  if (step == 0) numbersById_.expect(track.media);
-  artists_.expect(track.artist, step);
-  albums_.expect(track.album, step);
-  genres_.expect(track.genre, step);
 }
 
 void TrackIndex::expectLookups(std::span<const std::uint32_t> mediaIds) const {
@@ -40,7 +28,7 @@ void TrackIndex::remove(std::uint32_t mediaId) {
   const Number found = numbersById_.find(mediaId);
   numbersById_.erase(mediaId);  // first, as it may need memory
   if (found != 0) {
-    for (CategoryIndex* category : {&genres_, &artists_, &albums_, &ratings_}) {
+    for (CategoryIndex* category : {&getGenres(), &getArtists(), &getAlbums(), &ratings_}) {
       category->eraseTracks({&found, 1});
     }
   }
@@ -56,7 +44,7 @@ void TrackIndex::remove(std::uint32_t mediaId) {
 
 void TrackIndex::removeCategory(CategoryIndex& category, std::uint32_t id) {
   const std::vector<Number> numbers = category.tracksOf(id);
-  for (CategoryIndex* other : {&genres_, &artists_, &albums_}) {
+  for (CategoryIndex* other : {&getGenres(), &getArtists(), &getAlbums()}) {
     if (other != &category) other->eraseTracks(numbers);
   }
   category.eraseId(id);
@@ -77,7 +65,7 @@ void TrackIndex::clear() {
   hasOwnList_ = false;
   firstOfList_ = static_cast<Number>(tracksByNumber_.size());
   numbersById_.clear();
-  for (CategoryIndex* category : {&genres_, &artists_, &albums_, &ratings_}) category->clear();
+  forgetCategories();
 }
 
 std::vector<const Track*> TrackIndex::tracksInOrder(const CategoryIndex& category) const {

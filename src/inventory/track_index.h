@@ -4,8 +4,8 @@
 #include <span>
 #include <vector>
 
-#include "inventory/category_index.h"
 #include "inventory/media_id_index.h"
+#include "inventory/track_categories.h"
 #include "inventory/track_ids.h"
 #include "tree/track.h"
 #include "tree/track_table.h"
@@ -29,9 +29,12 @@ class TrackIndex {
   // Says that about so many tracks will be added: see MediaIdIndex::expectCount.
   void expect(std::size_t count) { numbersById_.expectCount(tracksByNumber_.size() + count); }
 
-  // Asks, in two steps from 0 on, each in time for the next, for what adding a track with these
+  // Asks, in three steps from 0 on, each in time for the next, for what adding a track with these
   // ids looks at: that is all over the memory. Not for several threads: it remembers what it finds.
-  void expect(const TrackIds& track, int step) const;
+  void expect(const TrackIds& ids, int step) const {
+    if (step == 0) numbersById_.expect(ids.media);
+    categories_.expect(ids, step);
+  }
 
   // Says that tracks with these media ids will be looked for next.
   void expectLookups(std::span<const std::uint32_t> mediaIds) const;
@@ -66,6 +69,12 @@ class TrackIndex {
   // stays as it is. For when all has been read: until clear(), nothing may be added or removed.
   void forgetIds() { numbersById_.clear(); }
 
+  // Forgets all entries and names of the categories.
+  void forgetCategories() {
+    categories_.clear();
+    ratings_.clear();
+  }
+
   void clear();
 
   // The track list, in registration order. A removal moves the later tracks up but doesn't shorten
@@ -79,19 +88,17 @@ class TrackIndex {
   }
 
   // To take entries out: none is to be entered but by add(). What the albums' has are Albums.
-  CategoryIndex& getArtists() { return artists_; }
-  CategoryIndex& getAlbums() { return albums_; }
-  CategoryIndex& getGenres() { return genres_; }
+  CategoryIndex& getArtists() { return categories_.artists(); }
+  CategoryIndex& getAlbums() { return categories_.albums(); }
+  CategoryIndex& getGenres() { return categories_.genres(); }
   CategoryIndex& getRatings() { return ratings_; }
-  const CategoryIndex& getArtists() const { return artists_; }
-  const CategoryIndex& getAlbums() const { return albums_; }
-  const CategoryIndex& getGenres() const { return genres_; }
+  const CategoryIndex& getArtists() const { return categories_.artists(); }
+  const CategoryIndex& getAlbums() const { return categories_.albums(); }
+  const CategoryIndex& getGenres() const { return categories_.genres(); }
   const CategoryIndex& getRatings() const { return ratings_; }
 
   // What the album's id was last entered with, nullptr if it never was.
-  const Album* findAlbum(std::uint32_t id) const {
-    return static_cast<const Album*>(albums_.find(id));
-  }
+  const Album* findAlbum(std::uint32_t id) const { return categories_.findAlbum(id); }
 
   // The tracks of a category's entries in its order, in a list of the caller's own.
   std::vector<const Track*> tracksInOrder(const CategoryIndex& category) const;
@@ -103,9 +110,7 @@ class TrackIndex {
   bool hasOwnList_ = false;
   LargeVector<Number> ownList_;
   MediaIdIndex numbersById_;
-  CategoryIndex genres_;
-  CategoryIndex artists_;
-  CategoryIndex albums_;
+  TrackCategories categories_;
   CategoryIndex ratings_;
 };
 

@@ -55,7 +55,7 @@ class TrackManager {
   // for theirs, if there is memory: 11 to 21 bytes each.
   void expectTracks(std::size_t count) { index_->expect(count); }
 
-  // Asks, in two steps from 0 on, each in time for the next, for what adding a track with these
+  // Asks, in three steps from 0 on, each in time for the next, for what adding a track with these
   // ids looks at. Not for several threads: it remembers what it finds.
   void expectTrack(const TrackIds& ids, int step) const { index_->expect(ids, step); }
 
@@ -102,6 +102,9 @@ class TrackManager {
 
   // Forgets all entries and names of a category, that of &TrackIndex::getArtists, say.
   void forgetCategory(CategoryIndex& (TrackIndex::*category)()) { ((*index_).*category)().clear(); }
+
+  // The same of all categories, with what they have together.
+  void forgetCategories() { index_->forgetCategories(); }
 
   // How many of the tracks containsTrack() accepts.
   std::size_t countRegisteredTracks(const std::vector<const Track*>& tracks) const;

@@ -89,6 +89,7 @@ class CategoryIndexChanges : public NamedCategory {
     ASSERT_EQ(tracksInOrder(index_), plain_.tracks());
     const CategoryIndex::Order order = index_.inOrder();
     ASSERT_TRUE(std::ranges::equal(order.tracks, plain_.tracks()));
+    ASSERT_EQ(index_.anyHasSeveral(), !unlike_.empty());
     if (isPlaced_) {
       ASSERT_TRUE(order.starts.empty());
     } else {

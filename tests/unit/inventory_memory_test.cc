@@ -8,6 +8,7 @@
 #include <new>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "allocation_probe.h"
 #include "inventory/category_entries.h"
@@ -16,6 +17,7 @@
 #include "inventory/media_id_index.h"
 #include "inventory/menu_builder.h"
 #include "inventory/track_batch.h"
+#include "inventory/track_categories.h"
 #include "inventory/track_index.h"
 #include "test_support.h"
 #include "track_lists.h"
@@ -76,6 +78,47 @@ TEST(InventoryMemory, AnIdWithoutItsFirstEntryIsNotThereYet) {
       EXPECT_THAT(order.tracks, ElementsAre(0, 101));
     }
   }
+}
+
+// Wherever memory runs out, as long as no name changes its place: a track has all its entries or
+// none, and what comes later its own.
+TEST(InventoryMemory, ATrackThatFindsNoneIsInNoCategory) {
+  const NamedId artist(1, "a");
+  const NamedId other(2, "a");
+  const NamedId genre(1, "g");
+  const Album first(1, "album", artist, genre);
+  const Album second(1, "ALBUM", other, genre);
+  std::ptrdiff_t failures = 0;
+  for (const std::size_t failing : {0U, 1U, 2U, 3U, 4U}) {
+    for (std::ptrdiff_t allowed = 0; allowed < 24; ++allowed) {
+      SCOPED_TRACE(allowed);
+      TrackCategories categories;
+      std::vector<std::uint32_t> entered;
+      std::vector<std::uint32_t> ofArtist;
+      const std::vector<const Album*> albums = {&first, &second, &second, &first, &first, &second};
+      for (std::size_t i = 0; i < albums.size(); ++i) {
+        Track track;
+        track.setAlbum(*albums[i]);
+        const auto number = static_cast<std::uint32_t>(i * i);
+        try {
+          const LimitedAllocations few(i == failing ? allowed : 1'000'000);
+          categories.add(track, number);
+        } catch (const std::bad_alloc&) {
+          ++failures;
+          for (int step = 0; step < 3; ++step) categories.expect({0, 1, 1, 1}, step);
+          continue;
+        }
+        entered.push_back(number);
+        if (albums[i] == &first) ofArtist.push_back(number);
+      }
+      for (const CategoryIndex* category :
+           {&categories.artists(), &categories.genres(), &categories.albums()}) {
+        EXPECT_TRUE(std::ranges::equal(category->tracksInOrder(), entered));
+      }
+      EXPECT_EQ(categories.artists().tracksOf(1), ofArtist);
+    }
+  }
+  EXPECT_GT(failures, 20);
 }
 
 // A menu that has leaves has those of its tracks.
