@@ -279,6 +279,16 @@ MenuNode& MenuNode::appendTwinOf(MenuNode& menu) {
   return *twin;
 }
 
+void MenuNode::keepChildren(std::size_t count) {
+  if (count >= childCount()) return;
+  Branch& branch = ownBranch();
+  if (!branch.hasNumbers) {
+    for (std::size_t i = count; i < branch.count; ++i) discardChild(branch.children[i]);
+  }
+  branch.count = static_cast<std::uint32_t>(count);
+  branch.cursor = std::min(branch.cursor, branch.count);
+}
+
 const TrackTable* MenuNode::getTrackTable() const {
   return branch_->arena() == nullptr ? nullptr : branch_->arena()->getTrackTable();
 }

@@ -160,6 +160,9 @@ class MenuNode {
   // both. The twin's memory is where that of `menu` is.
   MenuNode& appendTwinOf(MenuNode& menu);
 
+  // Takes all children away but the first `count`, with what is beneath them.
+  void keepChildren(std::size_t count);
+
   // The table in which the numbers among the children are looked up, here and beneath; nullptr when
   // there can't be any.
   const TrackTable* getTrackTable() const;

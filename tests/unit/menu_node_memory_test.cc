@@ -117,6 +117,17 @@ TEST(MenuNodeMemory, AChildThatCannotBeFilledIsFreed) {
   EXPECT_EQ(root.childCount(), 0U);
 }
 
+TEST(MenuNodeMemory, ChildrenTakenAwayAreFreed) {
+  MenuNode root;
+  addMedia(root, 1, "first");
+  addMedia(root, 2, "second");
+  const std::ptrdiff_t before = test::liveAllocations();
+  addMedia(addMenu(root, 3, "third"), 4, "beneath it");
+  ASSERT_GT(test::liveAllocations(), before + 2);
+  root.keepChildren(2);
+  EXPECT_EQ(test::liveAllocations(), before);
+}
+
 TEST(MenuNodeMemory, RunningOutInAddChildLosesNothing) {
   const std::ptrdiff_t before = test::liveAllocations();
   int failures = 0;

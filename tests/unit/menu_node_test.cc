@@ -292,6 +292,26 @@ TEST(MenuNode, WalksOfDifferentNodesAreIndependent) {
   EXPECT_EQ(visited, "innerxy");
 }
 
+TEST(MenuNode, KeepsItsFirstChildren) {
+  MenuNode node;
+  for (std::uint32_t id = 1; id <= 4; ++id) addMedia(node, id, "a");
+  addMedia(*node.childrenBegin()[3], 9, "beneath");
+  node.firstChild();
+  node.nextChild();
+  node.keepChildren(4);
+  EXPECT_EQ(node.childCount(), 4U);
+  node.keepChildren(2);
+  ASSERT_EQ(node.childCount(), 2U);
+  EXPECT_EQ(node.childrenBegin()[1]->getMediaId(), 2U);
+  EXPECT_TRUE(node.hasMoreChildren()) << "at the second one";
+  node.keepChildren(1);
+  EXPECT_FALSE(node.hasMoreChildren());
+  node.keepChildren(0);
+  EXPECT_EQ(node.childCount(), 0U);
+  addMedia(node, 5, "later");
+  EXPECT_EQ((*node.firstChild())->getMediaId(), 5U);
+}
+
 class MenuNodeFind : public ::testing::Test {
  protected:
   MenuNodeFind() {

@@ -151,6 +151,17 @@ TEST_F(TrackChildren, AreNodesWhereNumbersMeanNothing) {
   EXPECT_EQ(tree_.getTrackTable(), &tracks_) << "the first table counts";
 }
 
+TEST_F(TrackChildren, StayNumbersWhenSomeAreTakenAway) {
+  for (const char* title : {"a", "b", "c"}) root_.appendLeaf(tracks_, addTrack(7, title));
+  root_.keepChildren(1);
+  EXPECT_THAT(root_.trackNumbers(), ElementsAre(1U));
+  root_.keepChildren(0);
+  EXPECT_THAT(root_.trackNumbers(), ElementsAre());
+  root_.appendLeaf(tracks_, 3);
+  addMedia(root_, 8, "node");
+  EXPECT_THAT(describeChildren(root_), ElementsAre("2 7 'c' 0 0 0", "2 8 'node' 0 0 0"));
+}
+
 TEST_F(TrackChildren, AreNotCountedAsNodes) {
   const std::uint32_t number = addTrack(7, "seven");
   const std::size_t before = tree_.nodeCountHint();
