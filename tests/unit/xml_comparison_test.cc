@@ -88,6 +88,10 @@ const Document kDocuments[] = {
                                " p:name='P'><m p:name='P'/><m p:name='P' name='N'/>"
                                "<m name='N' p:name='P'/><media p:mediaid='1' q:mediaid='2'/></r>"},
     {"DefaultNamespace", "<r xmlns='urn:d' name='R'><media name='m' mediaid='1'/></r>"},
+    {"NamespacesDeclaredInside",
+     "<r><a xmlns:p='urn:p'><b name='b'><p:m name='x &amp; y' p:name='z'/>"
+     "<p:m p:name='z &amp; x'/><p:m xml:id='i' p:name='z'/></b></a>"
+     "<a xmlns='urn:d'><b name='b'><m name='&amp;'/></b></a><m name='&amp;'/></r>"},
     {"XmlPrefix", "<r xml:name='X'><m xml:name='X' xml:space='preserve'> </m></r>"},
     {"UndeclaredPrefix", "<r><p:m name='x'/></r>"},
     {"ColonsInNames", "<r><:m name='x'/></r>"},
@@ -100,6 +104,19 @@ const Document kDocuments[] = {
     {"TextBetween", "<r>x<m>a<m/>b<m/> <m/>\n</m>y</r>"},
     {"LongText",
      "<r><m>" + std::string(100000, 'x') + "</m><m>" + std::string(100000, ' ') + "</m></r>"},
+    {"ContentAmongElements",
+     "<r>a<m>b<m>c<m/>d<!-- e --></m>f<?g?><m name='&amp;'>h<m/>i</m>j<![CDATA[k]]>l</m>m</r>"},
+    {"Ids",
+     "<r xml:id='a'><m xml:id='b'>x<m xml:id='c' name='n'>t<m/>u</m><!-- c --></m>"
+     "<m name='plain' rectype='3'/>y<m xml:id='d'/></r><!-- behind -->"},
+    {"IdTwice", "<r><m xml:id='a' name='x'/><m><m xml:id='a'/></m></r>"},
+    {"IdOfTheRootOnceMore", "<r xml:id='a'><m xml:id='a'/></r>"},
+    {"IdThatIsNoName", "<r><m xml:id='1'/></r>"},
+    {"IdsThatAreNone",
+     "<r xmlns:p='urn:p' xml:name='a' id='a' p:id='a'><m id='a'/><m p:id='a' name='n'/></r>"},
+    {"AmpersandsInAttributes",
+     "<r name='a&amp;b'><m name='&#38;lt;'>x<m name='&amp;'/>y</m>"
+     "<media name='c&#x26;' mediaid='&amp;1' rating='2&amp;3' attribmask='4' rectype='5'/></r>"},
     {"MediaWithChildren", "<r><media name='a'>t<media name='b'/><m><media/></m></media></r>"},
     {"Numbers",
      "<r><media mediaid=' 42xyz' rating='-1' attribmask='99999999999999999999' rectype='0x1F'/>"

@@ -223,6 +223,22 @@ TEST(XmlReader, ReadsIntoATreeThatIsNotFresh) {
               ElementsAre("0: 1 0 'given' 7 0 0", "1: 2 1 'old' 0 0 0", "1: 1 0 'new' 7 0 0"));
 }
 
+TEST(XmlReader, FailureToParseTakesAwayOnlyWhatItAdded) {
+  MenuTree tree;
+  MenuNode& root = *tree.getRoot();
+  root.setName("given");
+  test::addMedia(root, 1, "old");
+  const test::TempDir dir;
+  test::writeFile(dir / "menu.xml", "<r name='new'><m name='a'><m/></m><m name='b'>&c;</m></r>");
+  const test::CapturedStream output(std::cout);
+  buildTreeFromXml((dir / "menu.xml").c_str(), tree);
+  EXPECT_THAT(output.text(), StartsWith("Exception caught: "));
+  EXPECT_THAT(test::describeTree(root), ElementsAre("0: 1 0 'given' 7 0 0", "1: 2 1 'old' 0 0 0"));
+  test::addMedia(root, 2, "later");
+  EXPECT_THAT(test::describeTree(root),
+              ElementsAre("0: 1 0 'given' 7 0 0", "1: 2 1 'old' 0 0 0", "1: 2 2 'later' 0 0 0"));
+}
+
 TEST(XmlReader, FailureToParseLeavesTheTreeAndSaysSo) {
   const test::TempDir dir;
   test::writeFile(dir / "empty", "");
@@ -258,7 +274,10 @@ TEST(XmlReader, SaysNothingOnStandardErrorItself) {
 TEST(XmlReader, FailureHalfwayLeavesAPartialTree) {
   const std::string document =
       "<r name='a name too long for a small string'>" +
-      repeated("<m name='a name too long for a small string'><media mediaid='1'/></m>", 20) +
+      repeated(
+          "<m name='a name too long for a small string'><media mediaid='1'/></m>"
+          "<m name='another name &amp; another way'>text<m xml:space='default'/></m>",
+          10) +
       "</r>";
   const std::vector<std::string> whole = readXml(document).lines();
   const test::TempDir dir;
