@@ -20,8 +20,9 @@ bool hasId(const xmlNode& element) {
   return false;
 }
 
-// Frees an element, whose children are gone, but for one with an xml:id: the document knows it by
-// that, so that a second one like it is an error. It stays behind the root element.
+// Frees an element that has ended, but for one with an xml:id: the document knows it by that, so
+// that a second one like it is an error. It stays behind the root element, for nobody to look at:
+// the namespaces that it refers to go with the elements that declare them.
 void release(xmlNode& element) {
   xmlUnlinkNode(&element);
   if (hasId(element)) {
@@ -44,6 +45,7 @@ void XmlMenuParser::initialize_context() {
   context_->sax->endElementNs = endElement;
 }
 
+// libxml++ keeps its parser there, for callbacks of its own.
 XmlMenuParser& XmlMenuParser::of(void* context) {
   auto* const parser = static_cast<xmlpp::Parser*>(static_cast<xmlParserCtxt*>(context)->_private);
   return static_cast<XmlMenuParser&>(*parser);

@@ -16,16 +16,17 @@ namespace Orvane {
 
 // Parses a document and makes menu nodes of what is beneath its root element.
 //
-// Each element becomes a node as soon as it begins, mostly by its start tag alone, so that the
-// document as a whole, which takes ten times the memory of its nodes, is never there. But a
-// document with a DTD is read whole first: what its entities stand for is known at the end.
+// Each element becomes a node as soon as it begins, mostly by its start tag alone, and other
+// content at the next tag, so that the document as a whole, which takes several times the memory of
+// its nodes, need not be there. But a document with a DTD is read whole first: what its entities
+// stand for is known at the end.
 class XmlMenuParser : public WatchedXmlParser {
  public:
   // Nodes are appended to `root`, which must outlive the parser.
   explicit XmlMenuParser(MenuNode& root) : root_(root), childrenBefore_(root.childCount()) {}
 
-  // To be called once. Throws as parse_file() does: `root` is as it was. Or std::bad_alloc: `root`
-  // has what was appended by then.
+  // To be called once. Throws as parse_file() does: `root` is as it was. When memory for nodes runs
+  // out it throws std::bad_alloc: `root` has its name and what was appended by then.
   void read(const char* file);
 
  protected:
@@ -55,9 +56,11 @@ class XmlMenuParser : public WatchedXmlParser {
   // An element that has begun and not ended.
   struct Open {
     MenuNode* node;
-    bool isInDocument;  // or its start tag was enough: libxml2 puts its content into the one before
+    bool isInDocument;  // else its start tag was enough
   };
-  std::vector<Open> open_;  // the root element first, which always is in the document
+  // The root element first, which is always in the document. What libxml2 finds in one that isn't,
+  // it puts into the last one that is.
+  std::vector<Open> open_;
 
   bool hasDtd_ = false;         // known once the root element begins
   std::exception_ptr failure_;  // what ended the parsing from here

@@ -34,8 +34,8 @@ void addXmlNode(const xmlNode& domNode, MenuNode& parent) {
 
 void buildTreeFromXml(const char* xmlFile, MenuTree& tree) {
   try {
-    // A document with a DTD is millions of small pieces, freed together. The C library would put
-    // them aside and join them later in an order that takes as long as all else.
+    // A document that is held whole is millions of small pieces, freed together. The C library
+    // would put them aside and join them later in an order that takes as long as all else.
     ::mallopt(M_MXFAST, 0);
     {
       const SilencedXmlLibrary silenced;

@@ -160,7 +160,8 @@ class MenuNode {
   // both. The twin's memory is where that of `menu` is.
   MenuNode& appendTwinOf(MenuNode& menu);
 
-  // Takes all children away but the first `count`, with what is beneath them.
+  // Takes all children away but the first `count`, with what is beneath them. What a tree has made
+  // itself is freed with the tree.
   void keepChildren(std::size_t count);
 
   // The table in which the numbers among the children are looked up, here and beneath; nullptr when
