@@ -1,5 +1,5 @@
-// Random documents, read with the reader and with the plain rendering: mostly well-formed, made of
-// all that makes an element more than a start tag of plain values.
+// Random documents, read with the reader and with the plain rendering: about half of them are
+// well-formed, and made of all that makes an element more than a start tag of plain values.
 #include <gtest/gtest.h>
 
 #include <array>
