@@ -161,7 +161,7 @@ class MenuNode {
   MenuNode& appendTwinOf(MenuNode& menu);
 
   // Takes all children away but the first `count`, with what is beneath them. What a tree has made
-  // itself is freed with the tree.
+  // itself is freed with the tree. A twin gets numbers of its own, for which memory may run out.
   void keepChildren(std::size_t count);
 
   // The table in which the numbers among the children are looked up, here and beneath; nullptr when
