@@ -4,6 +4,7 @@ build leaves the right file or says why not. Prints how many faults there were o
 
 import argparse
 import resource
+import signal
 import sys
 import tempfile
 import time
@@ -58,6 +59,8 @@ def main() -> int:
     unknown = set(arguments.areas) - set(AREAS)
     if unknown:
         parser.error(f"no such area: {', '.join(sorted(unknown))}")
+    # A shell has what it starts in the background ignore this, and the program would, too.
+    signal.signal(signal.SIGINT, signal.default_int_handler)
 
     # A program that ends by a signal must not leave a core file.
     resource.setrlimit(resource.RLIMIT_CORE, (0, resource.getrlimit(resource.RLIMIT_CORE)[1]))
