@@ -71,21 +71,22 @@ bool DiskBuffer::close() {
 }
 
 bool DiskBuffer::write(const char* data, int length) {
-  return put(data, length);
+  put(data, length);
+  return true;
 }
 
 bool DiskBuffer::writeEach(const char* data, int length, std::size_t count) {
-  return count == 0 || put(data, length * static_cast<std::streamsize>(count));
+  if (count > 0) put(data, length * static_cast<std::streamsize>(count));
+  return true;
 }
 
-bool DiskBuffer::put(const char* data, std::streamsize size) {
+void DiskBuffer::put(const char* data, std::streamsize size) {
   try {
     if (!stream_.good() || !stream_.put(data, size)) stream_.setstate(std::ios_base::badbit);
   } catch (...) {
     std::terminate();
   }
   if (!stream_.good()) throw OVWriteError(OVWriteError::kShortWrite);
-  return true;
 }
 
 bool DiskBuffer::read(char* data, int length) {

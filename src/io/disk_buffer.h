@@ -55,7 +55,7 @@ class DiskBuffer : public Buffer {
 
  private:
   bool openStream(std::ios_base::openmode direction);
-  bool put(const char* data, std::streamsize size);
+  void put(const char* data, std::streamsize size);
   bool openDescriptor(int flags);
   void closeDescriptor();
 
