@@ -210,6 +210,21 @@ TEST_F(MenuBuilderTwins, ComeInTheOrderOfTheirFirstTracks) {
                           twin("Dee 41 7 9"), twin("Dee 40 8")));
 }
 
+TEST_F(MenuBuilderTwins, AreThereHoweverManyComeAtOnce) {
+  std::vector<std::string> expected = {twin("Ann 10 1 4"), twin("Ann 11 3"), "Bob 20 2", "Cat 20 5",
+                                       "Cat 30 6"};
+  for (std::uint32_t i = 100; i < 150; ++i) {
+    const std::string name = "Dee " + std::to_string(i);
+    add(i, name, i, name);
+    add(i, name, i, name);
+    expected.push_back(twin(name + " " + std::to_string(i) + " " + std::to_string(mediaId_ - 1) +
+                            " " + std::to_string(mediaId_)));
+  }
+  MenuTree tree;
+  buildMenuFromInventory(manager_, tree);
+  EXPECT_EQ(artistsOf(tree), expected);
+}
+
 TEST_F(MenuBuilderTwins, AreNoneWhereAnAlbumIsUnlikeOthers) {
   add(4, "Dee", 0, "");                     // in no album
   add(5, "Eve", 50, std::string(65, 'x'));  // a menu a track

@@ -87,6 +87,13 @@ TEST(PagesAhead, AreNotMadeWhereNobodyMayWrite) {
   EXPECT_EQ(pages.count(), 0);
 }
 
+TEST(PagesAhead, AreNotMadeOfLessThanALargeOne) {
+  const Pages pages(PROT_READ | PROT_WRITE);
+  makePagesAhead(pages.memory(), kHugePageSize - pageSize());
+  waitForPages();
+  EXPECT_EQ(pages.count(), 0);
+}
+
 TEST(PagesAhead, FreedMemoryDoesNoHarm) {
   {
     const Pages pages(PROT_READ | PROT_WRITE);

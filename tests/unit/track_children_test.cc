@@ -68,6 +68,20 @@ TEST_F(TrackChildren, AreNumbersUntilSomebodyLooks) {
   EXPECT_EQ(root_.childrenBegin() + 2, root_.childrenEnd());
 }
 
+TEST_F(TrackChildren, AreNumbersWhereNodesWereGivenBack) {
+  for (const char* const title : {"a", "b", "c", "d", "e"}) addTrack(1, title);
+  addMedia(root_, 8, "eight");
+  addMedia(root_, 9, "nine");
+  root_.keepChildren(0);
+  std::vector<std::uint32_t> numbers = {2, 5, 1, 4, 3};
+  root_.appendLeaves(tracks_, numbers);
+  EXPECT_THAT(root_.trackNumbers(), ElementsAre(2U, 5U, 1U, 4U, 3U));
+  addMedia(root_, 7, "seven");
+  EXPECT_THAT(describeChildren(root_),
+              ElementsAre("2 1 'b' 0 0 0", "2 1 'e' 0 0 0", "2 1 'a' 0 0 0", "2 1 'd' 0 0 0",
+                          "2 1 'c' 0 0 0", "2 7 'seven' 0 0 0"));
+}
+
 TEST_F(TrackChildren, AreNodesBesideNodes) {
   root_.appendLeaf(tracks_, addTrack(7, "seven"));
   addMedia(root_, 8, "eight");
