@@ -112,10 +112,14 @@ def run_tests(jobs: int) -> None:
     for counters in BUILD.rglob("*.gcda"):
         counters.unlink()
     with ThreadPoolExecutor(jobs) as pool:
+        # Thousands of runs write their counters one after the other: on a slow machine for long.
         runs = [pool.submit(subprocess.run, command, cwd=directory, stdin=subprocess.DEVNULL,
-                            stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=600)
+                            stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=3600)
                 for command, directory in test_commands()]
-        results = [future.result() for future in runs]
+        try:
+            results = [future.result() for future in runs]
+        except subprocess.TimeoutExpired as failure:
+            raise Failure(f"{' '.join(failure.cmd[:3])}: not done after an hour") from failure
     for result in results:
         if result.returncode != 0:
             output = result.stdout.decode(errors="replace")
