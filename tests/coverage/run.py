@@ -119,7 +119,8 @@ def run_tests(jobs: int) -> None:
         try:
             results = [future.result() for future in runs]
         except subprocess.TimeoutExpired as failure:
-            raise Failure(f"{' '.join(failure.cmd[:3])}: not done after an hour") from failure
+            test = " ".join(failure.cmd[:3])
+            raise Failure(f"{test}: not done in {failure.timeout:.0f} s") from failure
     for result in results:
         if result.returncode != 0:
             output = result.stdout.decode(errors="replace")
